@@ -1,0 +1,40 @@
+# Every target installs what is missing (Debian packages only), configures and
+# builds before doing its job, so each works on a fresh Debian machine.
+#   make demo      compose the bundled sample captures into out/
+#   make test      build and run every test
+#   make sanitize  build and run the tests under ASan + UBSan
+#   make bench     build and run the kernel benchmarks
+#   make fuzz      build the fuzz targets and replay their corpora
+
+BUILD    ?= build
+ASAN     ?= build-asan
+JOBS     ?= $(shell nproc)
+# Warnings are errors under CI (which sets CI=true) and on request.
+WERROR   ?= $(if $(CI),ON,OFF)
+CMAKE_FLAGS ?=
+
+.PHONY: all deps build test sanitize demo bench fuzz clean
+
+all: build
+
+deps:
+	scripts/install-deps.sh $(BUILD)
+
+build: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release -DPLAKARD_WERROR=$(WERROR) $(CMAKE_FLAGS)
+	cmake --build $(BUILD) -j $(JOBS)
+
+test: build
+	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+sanitize:
+	scripts/install-deps.sh $(ASAN)
+	cmake -S . -B $(ASAN) -DCMAKE_BUILD_TYPE=Debug -DPLAKARD_SANITIZE=ON -DPLAKARD_WERROR=$(WERROR) $(CMAKE_FLAGS)
+	cmake --build $(ASAN) -j $(JOBS)
+	ctest --test-dir $(ASAN) --output-on-failure -j $(JOBS)
+
+demo: build
+	scripts/demo.sh $(BUILD)/plakard out
+
+clean:
+	rm -rf $(BUILD) $(ASAN) out

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "compose/Layout.hpp"
+#include "raster/Canvas.hpp"
+#include "raster/RGBA.hpp"
+#include "type/Font.hpp"
+
+namespace plakard {
+
+// Everything one composed page needs, already validated.
+struct ComposeRequest {
+    std::int64_t width;
+    std::int64_t height;
+    RGBA background;
+    RGBA foreground;
+    std::vector<std::string> lines;  // upper-cased, top first; the first is the large one
+    Canvas screenshot;
+    Layout layout;
+    std::shared_ptr<const Font> font;
+};
+
+}  // namespace plakard

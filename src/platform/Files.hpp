@@ -1,0 +1,38 @@
+#pragma once
+// File system services: whole-file reads with the system's own wording of a
+// failure, existence tests, folder creation and atomic writes.
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace plakard {
+
+struct FileRead {
+    std::vector<std::uint8_t> bytes;
+    std::string error;  // empty on success; else the system's description, e.g. "No such file or directory"
+    bool ok() const { return error.empty(); }
+};
+
+// Reads the whole file in one piece (no memory mapping). A file of 2^31 bytes
+// or more cannot be handed to the decoders and stops the process.
+FileRead readFile(const std::filesystem::path& path);
+
+// True when any file-system entry (file, folder, ...) exists at the path.
+bool fileExists(const std::filesystem::path& path);
+
+// Creates the folder and all missing parents; failures are ignored (the write
+// that follows reports any real problem).
+void createDirectories(const std::filesystem::path& path);
+
+// Writes the bytes to a uniquely named temporary file created exclusively
+// beside the destination, flushes it to disk and renames it over the
+// destination, so the destination is either replaced whole or left
+// byte-identical. Returns an empty string on success, else the system's
+// description of the failure; the temporary file is removed on any failure.
+std::string writeFileAtomically(const std::filesystem::path& destination,
+                                std::span<const std::uint8_t> bytes);
+
+}  // namespace plakard

@@ -1,0 +1,28 @@
+#pragma once
+// Unicode text services, all backed by ICU. Texts are UTF-8; an invalid byte
+// sequence is read as U+FFFD, never an error.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace plakard {
+
+// Removes Unicode space separators (general category Zs) and U+0009 from both
+// ends. Line breaks are kept.
+std::string trimmingBlanks(std::string_view text);
+
+// Full upper-case mapping ("straße" gives "STRASSE").
+std::string upperCased(std::string_view text);
+
+// The number of user-perceived characters (extended grapheme clusters).
+std::size_t graphemeCount(std::string_view text);
+
+// The text's code points in order.
+std::vector<char32_t> codePoints(std::string_view text);
+
+// The code point encoded as UTF-8.
+std::string utf8(char32_t codePoint);
+
+}  // namespace plakard

@@ -1,0 +1,10 @@
+// The one instance of stb_image: PNG and JPEG only, which keeps every other
+// decoder (and its attack surface) out of the binary. Reading from files is
+// ours to do; the decoder only ever sees bytes in memory.
+#define STB_IMAGE_IMPLEMENTATION
+#define STBI_ONLY_PNG
+#define STBI_ONLY_JPEG
+#define STBI_NO_STDIO
+#define STBI_NO_LINEAR
+#define STBI_NO_HDR
+#include <stb_image.h>

@@ -1,0 +1,26 @@
+#pragma once
+// Helpers shared by the test programs.
+
+#include <filesystem>
+#include <string>
+
+namespace plakard::test {
+
+// Folder of committed test inputs.
+std::filesystem::path dataPath(const std::string& name);
+
+// A fresh empty folder, removed when the object goes.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+}  // namespace plakard::test
