@@ -38,3 +38,8 @@ demo: build
 
 clean:
 	rm -rf $(BUILD) $(ASAN) out
+
+bench: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release -DPLAKARD_BUILD_BENCH=ON $(CMAKE_FLAGS)
+	cmake --build $(BUILD) -j $(JOBS) --target plakard_bench
+	$(BUILD)/bench/plakard_bench
