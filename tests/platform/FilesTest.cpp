@@ -72,6 +72,14 @@ TEST(ReadFile, DescribesFailuresInTheSystemsWords) {
     }
 }
 
+TEST(ReadFileDeathTest, AFileTooBigForTheDecodersStopsTheProgram) {
+    test::TempDir dir;
+    // Sparse: 2^31 bytes that take no room, refused before anything is read.
+    writeText(dir / "huge", "");
+    std::filesystem::resize_file(dir / "huge", std::uintmax_t{1} << 31);
+    EXPECT_DEATH(readFile(dir / "huge"), "");
+}
+
 TEST(FileExists, SeesAnyEntry) {
     test::TempDir dir;
     writeText(dir / "file", "x");
