@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/PlakardError.hpp"
@@ -88,14 +89,20 @@ TEST(FlattenedRGB, ComposesOverBlack) {
     }
 }
 
+// Writes the canvas and gives back the file's bit depth and colour type
+// from its header.
+std::pair<int, int> writeAndReadHeader(const Canvas& canvas, const std::filesystem::path& path, bool opaque) {
+    writePNG(canvas, path, opaque);
+    const std::string bytes = textOf(path);
+    EXPECT_EQ(bytes.substr(0, 8), "\x89PNG\r\n\x1a\n");
+    return bytes.size() > 25 ? std::pair{int(bytes[24]), int(bytes[25])} : std::pair{-1, -1};
+}
+
 TEST(PNGData, KeepsAlphaThroughARoundTrip) {
     test::TempDir dir;
     const Canvas canvas = translucentCanvas();
-    writePNG(canvas, dir / "rgba.png", false);
+    EXPECT_EQ(writeAndReadHeader(canvas, dir / "rgba.png", false), (std::pair{8, 6}));  // 8-bit RGBA
     const std::string bytes = textOf(dir / "rgba.png");
-    ASSERT_GT(bytes.size(), 26u);
-    EXPECT_EQ(bytes.substr(0, 8), "\x89PNG\r\n\x1a\n");
-    EXPECT_EQ(bytes[25], 6);  // colour type: RGBA
     EXPECT_EQ(Canvas(dir / "rgba.png"), canvas);
     EXPECT_EQ(canvas.pngData(false), std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
 }
@@ -103,11 +110,7 @@ TEST(PNGData, KeepsAlphaThroughARoundTrip) {
 TEST(PNGData, OpaqueOutputIsRGBFlattenedOverBlack) {
     test::TempDir dir;
     const Canvas canvas = translucentCanvas();
-    writePNG(canvas, dir / "rgb.png", true);
-    const std::string bytes = textOf(dir / "rgb.png");
-    ASSERT_GT(bytes.size(), 26u);
-    EXPECT_EQ(bytes[24], 8);  // bits per channel
-    EXPECT_EQ(bytes[25], 2);  // colour type: RGB, no alpha
+    EXPECT_EQ(writeAndReadHeader(canvas, dir / "rgb.png", true), (std::pair{8, 2}));  // 8-bit RGB, no alpha
     const Canvas decoded(dir / "rgb.png");
     ASSERT_EQ(decoded.width, canvas.width);
     ASSERT_EQ(decoded.height, canvas.height);
