@@ -60,14 +60,15 @@ std::vector<std::uint8_t> Canvas::flattenedRGB() const {
 }
 
 std::vector<std::uint8_t> Canvas::pngData(bool opaque) const {
-    Sink sink;
-    std::vector<std::uint8_t> rgb;
-    if (opaque) rgb = flattenedRGB();
+    // The writer counts in ints; check that before flattening anything.
     const int components = opaque ? 3 : 4;
-    const std::uint8_t* data = opaque ? rgb.data() : pixels.data();
     const int w = toInt32(width);
     const int h = toInt32(height);
     const int stride = toInt32(std::int64_t{components} * width);
+    std::vector<std::uint8_t> rgb;
+    if (opaque) rgb = flattenedRGB();
+    const std::uint8_t* data = opaque ? rgb.data() : pixels.data();
+    Sink sink;
     const int written = stbi_write_png_to_func(appendToSink, &sink, w, h, components, data, stride);
     if (written == 0 || sink.data.empty())
         throw PlakardError("PNG encoding failed for a " + std::to_string(width) + "x" + std::to_string(height) +

@@ -11,10 +11,14 @@ namespace plakard {
 Canvas Canvas::resized(std::int64_t targetWidth, std::int64_t targetHeight) const {
     require(targetWidth >= 1 && targetHeight >= 1);
     if (targetWidth == width && targetHeight == height) return *this;
+    // The resizer counts in ints; check that before allocating anything.
+    const int outputWidth = toInt32(targetWidth);
+    const int outputHeight = toInt32(targetHeight);
+    const int outputStride = toInt32(targetWidth * 4);
     Canvas output(targetWidth, targetHeight, RGBA{0, 0, 0, 0});
-    const unsigned char* result = stbir_resize_uint8_srgb(
-        pixels.data(), toInt32(width), toInt32(height), toInt32(width * 4), output.pixels.data(),
-        toInt32(targetWidth), toInt32(targetHeight), toInt32(targetWidth * 4), STBIR_RGBA);
+    const unsigned char* result =
+        stbir_resize_uint8_srgb(pixels.data(), toInt32(width), toInt32(height), toInt32(width * 4),
+                                output.pixels.data(), outputWidth, outputHeight, outputStride, STBIR_RGBA);
     require(result != nullptr);
     return output;
 }

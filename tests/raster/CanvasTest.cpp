@@ -35,6 +35,8 @@ TEST(CanvasDeathTest, BrokenSizesStopTheProgram) {
     EXPECT_DEATH(canvas.resized(0, 1), "");
     EXPECT_DEATH(canvas.fitted(1, 0, Fit::cover), "");
     EXPECT_DEATH(canvas.fitted(-1, 1, Fit::stretch), "");
+    // Beyond the resizer's ints: stopped before the output is allocated.
+    EXPECT_DEATH(canvas.resized(std::int64_t{1} << 31, 1), "");
 }
 
 }  // namespace
