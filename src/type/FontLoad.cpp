@@ -7,6 +7,7 @@
 #include "platform/Paths.hpp"
 #include "platform/PlakardError.hpp"
 #include "type/Font.hpp"
+#include "type/FontTables.hpp"
 
 namespace plakard {
 
@@ -54,8 +55,8 @@ std::shared_ptr<const Font> Font::load(const std::filesystem::path& path) {
     const std::uint8_t* data = font->storage.get();
     const std::size_t size = font->storageSize;
     const int offset = collectionHeaderInside(data, size) ? stbtt_GetFontOffsetForIndex(data, 0) : -1;
-    if (offset < 0 || !tableDirectoryInside(data, size, offset) ||
-        stbtt_InitFont(&font->info, data, offset) == 0) {
+    if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset) ||
+        stbtt_InitFont(&font->info, data, offset) == 0 || !cffIndexesInside(font->info, data, size, offset)) {
         font.reset();
         throw PlakardError(fileName + " is not a TrueType or OpenType font, or is truncated");
     }

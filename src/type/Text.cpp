@@ -23,9 +23,10 @@ struct FreeGlyphBitmap {
 using GlyphBitmap = std::unique_ptr<unsigned char, FreeGlyphBitmap>;
 
 int advanceWidth(const stbtt_fontinfo& info, int codePoint) {
+    // The bearing is not used; not asking for it spares stb a read that hmtx
+    // need not cover for glyphs beyond its long metrics.
     int advance = 0;
-    int leftSideBearing = 0;
-    stbtt_GetCodepointHMetrics(&info, codePoint, &advance, &leftSideBearing);
+    stbtt_GetCodepointHMetrics(&info, codePoint, &advance, nullptr);
     return advance;
 }
 
