@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <memory>
 
@@ -62,11 +63,17 @@ void blendGlyph(Canvas& canvas, const unsigned char* coverage, int width, int he
                 std::int64_t top, RGBA colour) {
     const Span rows = visible(top, height, canvas.height);
     const Span columns = visible(left, width, canvas.width);
+    // A fully covered pixel of an opaque colour blends to exactly the colour,
+    // whatever lies below; headline glyphs are mostly such pixels.
+    const bool opaque = colour.a == 255;
+    const std::uint8_t solid[4] = {colour.r, colour.g, colour.b, colour.a};
     for (std::int64_t i = rows.first; i < rows.end; ++i) {
         const unsigned char* row = coverage + i * width;
         std::uint8_t* target = canvas.pixel(left + columns.first, top + i);
         for (std::int64_t j = columns.first; j < columns.end; ++j, target += 4) {
-            if (row[j] != 0) blendInto(target, colour, row[j] / 255.0);
+            if (row[j] == 0) continue;
+            if (opaque && row[j] == 255) std::memcpy(target, solid, 4);
+            else blendInto(target, colour, row[j] / 255.0);
         }
     }
 }

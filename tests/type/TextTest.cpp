@@ -183,6 +183,24 @@ TEST(DrawLine, WritesTheColourAtCoverageOpacityOntoATransparentCanvas) {
     expectGlyphBlended(*faces().dejaVu, {90, 90, 90, 0}, {250, 200, 10, 99});
 }
 
+TEST(DrawLine, FullyCoveredPixelsOfAnOpaqueColourTakeItOverATranslucentCanvas) {
+    const Font& font = *faces().inter;
+    const double scale = 60.0 / font.unitsPerEm;
+    const RGBA colour{250, 200, 10, 255};
+    Canvas canvas(80, 80, RGBA{90, 60, 30, 77});
+    font.drawLine("W", canvas, colour, 4.0, 60.0, scale);
+    const Glyph glyph = rasterised(font, 'W', scale);
+    int full = 0;
+    for (int i = 0; i < glyph.height; ++i) {
+        for (int j = 0; j < glyph.width; ++j) {
+            if (glyph.coverage[static_cast<std::size_t>(i * glyph.width + j)] != 255) continue;
+            ++full;
+            ASSERT_EQ(canvas.colour(4 + glyph.xOffset + j, 60 + glyph.yOffset + i), colour);
+        }
+    }
+    EXPECT_GT(full, 100);
+}
+
 TEST(DrawLine, ClipsAtEveryEdgeExactlyAsTheUnclippedDrawingLooks) {
     const Font& font = *faces().dejaVu;
     const double scale = 0.02;  // about 41 px to the em
