@@ -43,35 +43,29 @@ std::int16_t signed16(std::uint32_t value) { return static_cast<std::int16_t>(st
 
 struct FaceCase {
     std::filesystem::path path;
-    double unitsPerEm;
+    double unitsPerEm;  // through stb's single-precision scale: exact only for powers of two
+    double tolerance;
 };
 
 TEST(FontLoad, KeepsTheFacesVerticalMetricsAndItsFileName) {
     const FaceCase cases[] = {
-        {test::dejaVuSansBold, 2048.0},
-        {test::notoSansMono, 999.999952502551},
-        {test::interBlack, 2815.99991607666},
-        {test::liberationSansBold, 2048.0},
+        {test::dejaVuSansBold, 2048.0, 0.0},
+        {test::notoSansMono, 999.999952502551, 5e-13},
+        {test::interBlack, 2815.99991607666, 5e-12},
+        {test::liberationSansBold, 2048.0, 0.0},
     };
     for (const FaceCase& c : cases) {
         SCOPED_TRACE(c.path);
         const std::vector<std::uint8_t> bytes = test::fileBytes(c.path);
         const std::uint32_t hhea = test::tableRecord(bytes, "hhea").offset;
         auto font = Font::load(c.path);
-        EXPECT_NEAR(font->unitsPerEm, c.unitsPerEm, 1e-9);
+        EXPECT_NEAR(font->unitsPerEm, c.unitsPerEm, c.tolerance);
         EXPECT_EQ(font->ascentUnits, signed16(test::bigEndian16At(bytes, hhea + 4)));
         EXPECT_EQ(font->descentUnits, signed16(test::bigEndian16At(bytes, hhea + 6)));
         EXPECT_EQ(font->name, c.path.filename().string());
         EXPECT_EQ(font->storageSize, bytes.size());
         EXPECT_EQ(std::memcmp(font->storage.get(), bytes.data(), bytes.size()), 0);
     }
-}
-
-TEST(FontLoad, AnEmOfAPowerOfTwoIsExactAndAnEmOfAThousandIsSlightlyOff) {
-    EXPECT_EQ(Font::load(test::dejaVuSansBold)->unitsPerEm, 2048.0);
-    const double thousand = Font::load(test::notoSansMono)->unitsPerEm;
-    EXPECT_NE(thousand, 1000.0);
-    EXPECT_NEAR(thousand, 999.999952502551, 5e-13);
 }
 
 TEST(FontLoad, TakesTheFirstFaceOfACollectionAndKeepsTheCollectionsName) {
