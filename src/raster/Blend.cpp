@@ -12,9 +12,14 @@ std::uint8_t roundedByte(double value) {
     return static_cast<std::uint8_t>(std::clamp(rounded, 0.0, 255.0));
 }
 
-}  // namespace
+// The shapes' rule weighs the destination as (1 - a) x (da x channel), the
+// text's as ((1 - a) x da) x channel. The two orders can differ in the last
+// bit, which rounding turns into a different byte on translucent destinations,
+// so each keeps its own.
+enum class Weighting { destinationFirst, coverageFirst };
 
-void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) {
+template <Weighting weighting>
+void blend(std::uint8_t* pixel, RGBA colour, double coverage) {
     if (!(coverage > 0)) return;
     double a = colour.a / 255.0;
     if (coverage <= 1) a *= coverage;
@@ -23,10 +28,27 @@ void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) {
     const double k = 1 - a;
     const double outAlpha = a + k * da;
     if (!(outAlpha > 0)) return;
-    pixel[0] = roundedByte((a * colour.r + k * (da * pixel[0])) / outAlpha);
-    pixel[1] = roundedByte((a * colour.g + k * (da * pixel[1])) / outAlpha);
-    pixel[2] = roundedByte((a * colour.b + k * (da * pixel[2])) / outAlpha);
+    auto weighted = [&](std::uint8_t channel) {
+        if constexpr (weighting == Weighting::destinationFirst) return k * (da * channel);
+        else return (k * da) * channel;
+    };
+    const double red = (a * colour.r + weighted(pixel[0])) / outAlpha;
+    const double green = (a * colour.g + weighted(pixel[1])) / outAlpha;
+    const double blue = (a * colour.b + weighted(pixel[2])) / outAlpha;
+    pixel[0] = roundedByte(red);
+    pixel[1] = roundedByte(green);
+    pixel[2] = roundedByte(blue);
     pixel[3] = static_cast<std::uint8_t>(std::min(std::round(outAlpha * 255), 255.0));
+}
+
+}  // namespace
+
+void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) {
+    blend<Weighting::destinationFirst>(pixel, colour, coverage);
+}
+
+void blendGlyphInto(std::uint8_t* pixel, RGBA colour, double coverage) {
+    blend<Weighting::coverageFirst>(pixel, colour, coverage);
 }
 
 void blendPixel(Canvas& canvas, std::int64_t x, std::int64_t y, RGBA colour, double coverage) {
