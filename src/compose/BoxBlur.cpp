@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "compose/BoxBlur.hpp"
 #include "compose/Primitives.hpp"
 #include "platform/Require.hpp"
 
@@ -75,15 +76,24 @@ bool differingRegion(const Canvas& image, Region& region) {
     return region.left < region.right;
 }
 
-// One horizontal pass over the rows [top, bottom), writing columns [left, right).
-void horizontalPass(const std::uint8_t* in, std::uint8_t* out, std::int64_t width, const Region& region,
-                    std::int64_t k, std::vector<std::int32_t>& sums) {
+// One horizontal pass, in place, over the rows [top, bottom), writing columns
+// [left, right). A row equal to the one above blurs to the same bytes, so it
+// is copied: inside the shadow nearly every row repeats its neighbour.
+void horizontalPass(Canvas& image, const Region& region, std::int64_t k, std::vector<std::int32_t>& sums) {
     const auto n = static_cast<std::int32_t>(2 * k + 1);
-    const std::int64_t last = width - 1;
-    const std::int64_t count = region.right - region.left;
-    sums.resize(static_cast<std::size_t>(count * 4));
+    const std::int64_t last = image.width - 1;
+    const auto rowBytes = static_cast<std::size_t>(image.width * 4);
+    const auto count = static_cast<std::size_t>((region.right - region.left) * 4);
+    std::vector<std::uint8_t> previous(rowBytes);  // the unblurred row above
+    std::vector<std::uint8_t> blurred(count);
+    sums.resize(count);
     for (std::int64_t y = region.top; y < region.bottom; ++y) {
-        const std::uint8_t* row = in + y * width * 4;
+        std::uint8_t* row = image.pixel(0, y);
+        std::uint8_t* target = row + region.left * 4;
+        if (y > region.top && std::memcmp(row, previous.data(), rowBytes) == 0) {
+            std::memcpy(target, target - rowBytes, count);
+            continue;
+        }
         std::int32_t s0 = 0, s1 = 0, s2 = 0, s3 = 0;
         for (std::int64_t i = region.left - k; i <= region.left + k; ++i) {
             const std::uint8_t* p = row + std::clamp<std::int64_t>(i, 0, last) * 4;
@@ -105,54 +115,98 @@ void horizontalPass(const std::uint8_t* in, std::uint8_t* out, std::int64_t widt
             s2 += add[2] - drop[2];
             s3 += add[3] - drop[3];
         }
-        divide(sums.data(), out + (y * width + region.left) * 4, sums.size(), n);
+        divide(sums.data(), blurred.data(), count, n);
+        std::memcpy(previous.data(), row, rowBytes);
+        std::memcpy(target, blurred.data(), count);
     }
 }
 
-// One vertical pass over the columns [left, right), writing rows [top, bottom);
-// a whole row of running sums moves down the image, so memory is read in rows.
-void verticalPass(const std::uint8_t* in, std::uint8_t* out, std::int64_t width, std::int64_t height,
-                  const Region& region, std::int64_t k, std::vector<std::int32_t>& sums) {
+// One vertical pass, in place, over the columns [left, right), writing rows
+// [top, bottom). A whole row of running sums moves down the image, so memory
+// is read in rows; the unblurred rows that are still needed once their place
+// has been written (the k + 1 above the current one) wait in a ring.
+// Where every row of a window is the same, the output row is that row and is
+// copied; the sums are rebuilt from it when the window stops being uniform.
+void verticalPass(Canvas& image, const Region& region, std::int64_t k, std::vector<std::int32_t>& sums) {
     const auto n = static_cast<std::int32_t>(2 * k + 1);
-    const std::int64_t last = height - 1;
-    const std::size_t count = static_cast<std::size_t>((region.right - region.left) * 4);
-    const std::int64_t stride = width * 4;
-    const std::int64_t offset = region.left * 4;
-    sums.assign(count, 0);
+    const std::int64_t last = image.height - 1;
+    const auto count = static_cast<std::size_t>((region.right - region.left) * 4);
+    const std::int64_t ringRows = k + 2;
+    std::vector<std::uint8_t> ring(static_cast<std::size_t>(ringRows) * count);
+    std::int64_t written = region.top;  // rows [top, written) hold their output
+    const auto row = [&](std::int64_t y) -> const std::uint8_t* {
+        y = std::clamp<std::int64_t>(y, 0, last);
+        if (y >= region.top && y < written) return ring.data() + static_cast<std::size_t>(y % ringRows) * count;
+        return image.pixel(region.left, y);
+    };
+    sums.resize(count);
     std::int32_t* sum = sums.data();
-    for (std::int64_t i = region.top - k; i <= region.top + k; ++i) {
-        const std::uint8_t* row = in + std::clamp<std::int64_t>(i, 0, last) * stride + offset;
-        for (std::size_t c = 0; c < count; ++c) sum[c] += row[c];
-    }
+
+    // Rows (first, compared] have been compared with the row above; the last
+    // that differed is `change`, so a window [low, high] with high <= compared
+    // is uniform exactly when change <= low.
+    std::int64_t compared = std::clamp<std::int64_t>(region.top - k, 0, last);
+    std::int64_t change = compared;
+    bool summed = false;  // whether `sum` holds the window of row t
     for (std::int64_t t = region.top; t < region.bottom; ++t) {
-        divide(sum, out + t * stride + offset, count, n);
-        const std::uint8_t* add = in + std::min(t + k + 1, last) * stride + offset;
-        const std::uint8_t* drop = in + std::max<std::int64_t>(t - k, 0) * stride + offset;
+        const std::int64_t low = std::clamp<std::int64_t>(t - k, 0, last);
+        const std::int64_t high = std::clamp<std::int64_t>(t + k, 0, last);
+        for (; compared < high; ++compared)
+            if (std::memcmp(row(compared + 1), row(compared), count) != 0) change = compared + 1;
+
+        std::uint8_t* target = image.pixel(region.left, t);
+        std::memcpy(ring.data() + static_cast<std::size_t>(t % ringRows) * count, target, count);
+        ++written;
+        if (change <= low) {
+            std::memcpy(target, row(low), count);
+            summed = false;
+            continue;
+        }
+        if (!summed) {
+            if (t == region.top) {
+                std::fill(sum, sum + count, 0);
+                for (std::int64_t i = t - k; i <= t + k; ++i) {
+                    const std::uint8_t* r = row(i);
+                    for (std::size_t c = 0; c < count; ++c) sum[c] += r[c];
+                }
+            } else {
+                // The window of row t - 1 was uniform: n copies of one row.
+                const std::uint8_t* uniform = row(t - 1 - k);
+                const std::uint8_t* add = row(t + k);
+                for (std::size_t c = 0; c < count; ++c) sum[c] = n * uniform[c] + add[c] - uniform[c];
+            }
+            summed = true;
+        }
+        divide(sum, target, count, n);
+        const std::uint8_t* add = row(t + k + 1);
+        const std::uint8_t* drop = row(t - k);
         for (std::size_t c = 0; c < count; ++c) sum[c] += add[c] - drop[c];
     }
 }
 
 }  // namespace
 
-Canvas boxBlurred(const Canvas& canvas, double amount) {
-    Canvas image = canvas;
-    if (!(amount >= 0.5)) return image;
+void blurInPlace(Canvas& image, double amount) {
+    if (!(amount >= 0.5)) return;
     const std::int64_t k = std::max<std::int64_t>(1, roundToInt64(amount * 1.2));
     require(k <= maxHalfWidth);
 
     Region region;
-    if (!differingRegion(image, region)) return image;
-    // Both buffers hold the background outside every region written so far.
-    std::vector<std::uint8_t> scratch = image.pixels;
+    if (!differingRegion(image, region)) return;
     std::vector<std::int32_t> sums;
     for (int iteration = 0; iteration < 3; ++iteration) {
         region.left = std::max<std::int64_t>(region.left - k, 0);
         region.right = std::min(region.right + k, image.width);
-        horizontalPass(image.pixels.data(), scratch.data(), image.width, region, k, sums);
+        horizontalPass(image, region, k, sums);
         region.top = std::max<std::int64_t>(region.top - k, 0);
         region.bottom = std::min(region.bottom + k, image.height);
-        verticalPass(scratch.data(), image.pixels.data(), image.width, image.height, region, k, sums);
+        verticalPass(image, region, k, sums);
     }
+}
+
+Canvas boxBlurred(const Canvas& canvas, double amount) {
+    Canvas image = canvas;
+    blurInPlace(image, amount);
     return image;
 }
 

@@ -1,5 +1,6 @@
 #include "compose/DeviceFrame.hpp"
 
+#include "compose/BoxBlur.hpp"
 #include "compose/Primitives.hpp"
 #include "raster/RGBA.hpp"
 
@@ -21,7 +22,8 @@ void drawDevice(Canvas& page, const Canvas& capture, double x, double y, double 
     {
         Canvas shadow(page.width, page.height, RGBA{0, 0, 0, 0});
         fillRoundedRect(shadow, shadowColour, x, y + 2 * b, w, h, radius);
-        compositeOver(page, boxBlurred(shadow, 0.035 * w), 0, 0);
+        blurInPlace(shadow, 0.035 * w);
+        compositeOver(page, shadow, 0, 0);
     }
 
     fillRoundedRect(page, bodyColour, x, y, w, h, radius);

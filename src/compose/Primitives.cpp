@@ -1,6 +1,7 @@
 #include "compose/Primitives.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <optional>
@@ -65,63 +66,51 @@ void walkRow(const RoundedRect& shape, std::int64_t py, std::int64_t begin, std:
     interior(left, right + 1);
 }
 
-// Blending at full coverage depends only on the destination bytes (and the
-// source colour), so a run over a uniform destination blends once and copies.
+// Blends one source pixel over one destination pixel at full coverage. The
+// result depends on nothing but those eight bytes, and a page repeats the
+// same pairs again and again (a uniform fill, the shadow's gradient on a flat
+// background), so results are kept in a small direct-mapped table. An opaque
+// source simply replaces the destination: the blend computes exactly that.
 class FullCoverageBlend {
 public:
-    explicit FullCoverageBlend(RGBA colour) : colour_(colour) {}
-
-    void operator()(std::uint8_t* pixel) {
-        if (colour_.a == 255) {
-            // a = 1: the blend's result is the colour itself.
-            const std::uint8_t bytes[4] = {colour_.r, colour_.g, colour_.b, 255};
-            std::memcpy(pixel, bytes, 4);
-            return;
-        }
-        if (!cached_ || std::memcmp(pixel, before_, 4) != 0) {
-            std::memcpy(before_, pixel, 4);
-            blendInto(pixel, colour_, 1);
-            std::memcpy(after_, pixel, 4);
-            cached_ = true;
-            return;
-        }
-        std::memcpy(pixel, after_, 4);
+    FullCoverageBlend() {
+        // Key 0 is a transparent source over a transparent pixel, which the
+        // blend leaves as it is: every entry starts out true.
+        entries_.fill(Entry{});
     }
 
-private:
-    RGBA colour_;
-    bool cached_ = false;
-    std::uint8_t before_[4] = {};
-    std::uint8_t after_[4] = {};
-};
-
-// Blends one source pixel at full coverage. An opaque source simply replaces
-// the destination (the blend computes exactly that); a partly transparent one
-// reuses the previous result when source and destination repeat.
-class PixelOverBlend {
-public:
     void operator()(std::uint8_t* destination, const std::uint8_t* source) {
         if (source[3] == 255) {
             std::memcpy(destination, source, 4);
             return;
         }
-        std::uint8_t key[8];
-        std::memcpy(key, source, 4);
-        std::memcpy(key + 4, destination, 4);
-        if (cached_ && std::memcmp(key, key_, 8) == 0) {
-            std::memcpy(destination, after_, 4);
+        std::uint32_t below;
+        std::uint32_t above;
+        std::memcpy(&below, destination, 4);
+        std::memcpy(&above, source, 4);
+        const std::uint64_t key = (std::uint64_t{above} << 32) | below;
+        Entry& entry = entries_[(key * 0x9E3779B97F4A7C15u) >> (64 - tableBits)];
+        if (entry.key != key) {
+            entry.key = key;
+            blendInto(destination, RGBA{source[0], source[1], source[2], source[3]}, 1);
+            std::memcpy(&entry.result, destination, 4);
             return;
         }
-        blendInto(destination, RGBA{source[0], source[1], source[2], source[3]}, 1);
-        std::memcpy(key_, key, 8);
-        std::memcpy(after_, destination, 4);
-        cached_ = true;
+        std::memcpy(destination, &entry.result, 4);
+    }
+
+    void operator()(std::uint8_t* destination, RGBA colour) {
+        const std::uint8_t source[4] = {colour.r, colour.g, colour.b, colour.a};
+        (*this)(destination, source);
     }
 
 private:
-    bool cached_ = false;
-    std::uint8_t key_[8] = {};
-    std::uint8_t after_[4] = {};
+    static constexpr int tableBits = 10;
+    struct Entry {
+        std::uint64_t key = 0;
+        std::uint32_t result = 0;
+    };
+    std::array<Entry, std::size_t{1} << tableBits> entries_;
 };
 
 std::int64_t floorToInt64(double value) { return roundToInt64(std::floor(value)); }
@@ -144,14 +133,14 @@ void fillRoundedRect(Canvas& canvas, RGBA colour, double x, double y, double w, 
     if (left > right || top > bottom) return;
 
     const RoundedRect shape(x, y, w, h, radius);
-    FullCoverageBlend full(colour);
+    FullCoverageBlend full;
     for (std::int64_t py = top; py <= bottom; ++py) {
         std::uint8_t* row = canvas.pixel(0, py);
         walkRow(
             shape, py, left, right + 1,
             [&](std::int64_t px, double coverage) { blendInto(row + px * 4, colour, coverage); },
             [&](std::int64_t from, std::int64_t to) {
-                for (std::int64_t px = from; px < to; ++px) full(row + px * 4);
+                for (std::int64_t px = from; px < to; ++px) full(row + px * 4, colour);
             });
     }
 }
@@ -176,7 +165,7 @@ void drawImageRounded(Canvas& canvas, const Canvas& image, double x, double y, d
     if (firstColumn >= endColumn || firstRow >= endRow) return;
 
     const RoundedRect shape(x, y, w, h, radius);
-    PixelOverBlend over;
+    FullCoverageBlend over;
     for (std::int64_t j = firstRow; j < endRow; ++j) {
         const std::int64_t py = originY + j;
         std::uint8_t* row = canvas.pixel(0, py);
@@ -201,7 +190,7 @@ void compositeOver(Canvas& canvas, const Canvas& image, std::int64_t x, std::int
     const std::int64_t endRow = std::min(image.height, canvas.height - y);
     if (firstColumn >= endColumn || firstRow >= endRow) return;
 
-    PixelOverBlend over;
+    FullCoverageBlend over;
     for (std::int64_t j = firstRow; j < endRow; ++j) {
         std::uint8_t* row = canvas.pixel(0, y + j);
         const std::uint8_t* sourceRow = image.pixel(0, j);

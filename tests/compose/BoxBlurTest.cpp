@@ -92,6 +92,39 @@ TEST(BoxBlurred, EqualsTheReferenceAroundPatchesOnAUniformBackground) {
     }
 }
 
+TEST(BoxBlurred, EqualsTheReferenceOnRunsOfRepeatedRows) {
+    // Repeated rows are copied instead of blurred again, and uniform windows
+    // of rows are copied in the vertical passes; runs shorter and longer than
+    // the span, at the edges and in the middle, exercise every switch between
+    // copying and summing.
+    std::mt19937 random(26);
+    for (int round = 0; round < 60; ++round) {
+        const std::int64_t width = 1 + random() % 40;
+        const std::int64_t height = 1 + random() % 90;
+        const double amount = std::uniform_real_distribution<double>(0.5, 9)(random);
+        const std::int64_t k = std::max<std::int64_t>(1, std::llround(amount * 1.2));
+        const Canvas rows = randomCanvas(width, 3, random);
+        Canvas image(width, height, RGBA{0, 0, 0, 0});
+        for (std::int64_t y = 0; y < height;) {
+            const std::int64_t source = random() % 3;
+            const std::int64_t run = 1 + static_cast<std::int64_t>(random() % static_cast<unsigned>(3 * k + 2));
+            for (std::int64_t end = std::min(height, y + run); y < end; ++y)
+                std::copy_n(rows.pixel(0, source), width * 4, image.pixel(0, y));
+        }
+        const Canvas expected = referenceBlur(image, k);
+        const Canvas blurred = boxBlurred(image, amount);
+        ASSERT_EQ(blurred, expected) << width << "x" << height << " amount " << amount << ": "
+                                     << firstDifference(expected, blurred);
+    }
+}
+
+TEST(BoxBlurred, EqualsTheReferenceOnAShadowShape) {
+    Canvas shadow(90, 160, RGBA{0, 0, 0, 0});
+    fillRoundedRect(shadow, RGBA{0, 0, 0, 110}, 10, 24, 70, 150, 9.1);
+    const Canvas blurred = boxBlurred(shadow, 2.45);
+    EXPECT_EQ(blurred, referenceBlur(shadow, 3)) << firstDifference(referenceBlur(shadow, 3), blurred);
+}
+
 TEST(BoxBlurred, EqualsTheReferenceForVeryWideSpans) {
     // A span of 16385 or more takes the double-precision division.
     std::mt19937 random(23);
