@@ -12,8 +12,12 @@
 set -euo pipefail
 
 build_dir=${1:-build}
+# The fonts after libdeflate-dev are test faces only: an em of 1000, a kern
+# table that pairs letters with the space, a face without Latin letters, and a
+# font collection.
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
-          libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev)
+          libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
+          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei)
 
 sudo_if_needed() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
 

@@ -7,6 +7,10 @@
 
 namespace plakard {
 
+// The path made absolute against the working directory, otherwise as given
+// (no component removed or resolved).
+std::filesystem::path absolutePath(const std::filesystem::path& path);
+
 // Absolute against the working directory, "." removed, ".." applied to the
 // text, symbolic links not resolved, no trailing separator.
 std::filesystem::path standardizedPath(const std::string& pathText);

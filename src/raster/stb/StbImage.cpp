@@ -8,3 +8,9 @@
 #define STBI_NO_LINEAR
 #define STBI_NO_HDR
 #include <stb_image.h>
+
+#include "raster/stb/StbImage.hpp"
+
+// stb keeps its last failure reason until another failure overwrites it, and
+// a few failures (inside the zlib stream) set none at all.
+void plakard::clearDecoderFailureReason() { stbi__g_failure_reason = nullptr; }

@@ -1,0 +1,77 @@
+#include <cstdint>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+#include "platform/Files.hpp"
+#include "platform/Paths.hpp"
+#include "platform/PlakardError.hpp"
+#include "type/Font.hpp"
+#include "type/FontTables.hpp"
+
+namespace plakard {
+
+namespace {
+
+std::uint32_t bigEndian16(const std::uint8_t* bytes) { return (std::uint32_t{bytes[0]} << 8) | bytes[1]; }
+
+std::string absoluteText(const std::filesystem::path& path) {
+    std::error_code ignored;
+    std::filesystem::path absolute = std::filesystem::absolute(path, ignored);
+    return (absolute.empty() ? path : absolute).string();
+}
+
+// stb_truetype trusts the offsets it reads, so everything it will look at
+// first is checked here: the collection header (for a "ttcf" file the first
+// face's offset sits in bytes 12 to 15) and the table directory.
+bool collectionHeaderInside(const std::uint8_t* data, std::size_t size) {
+    return std::memcmp(data, "ttcf", 4) != 0 || size >= 16;
+}
+
+bool tableDirectoryInside(const std::uint8_t* data, std::size_t size, int offset) {
+    const std::uint64_t start = static_cast<std::uint64_t>(offset);
+    std::uint64_t end = start + 12;
+    if (size >= end) end += 16 * std::uint64_t{bigEndian16(data + start + 4)};
+    return end <= size;
+}
+
+}  // namespace
+
+Font::~Font() = default;
+
+std::shared_ptr<const Font> Font::load(const std::filesystem::path& path) {
+    const std::string fileName = lastComponent(path);
+    // The Font is created in place and never moves: info will point into storage.
+    std::shared_ptr<Font> font(new Font());
+    {
+        FileRead read = readFile(path);
+        if (!read.ok()) throw PlakardError("cannot read font " + absoluteText(path) + ": " + read.error);
+        if (read.bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
+        font->storageSize = read.bytes.size();
+        font->storage = std::make_unique_for_overwrite<std::uint8_t[]>(font->storageSize);
+        std::memcpy(font->storage.get(), read.bytes.data(), font->storageSize);
+    }
+
+    const std::uint8_t* data = font->storage.get();
+    const std::size_t size = font->storageSize;
+    const int offset = collectionHeaderInside(data, size) ? stbtt_GetFontOffsetForIndex(data, 0) : -1;
+    if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset) ||
+        stbtt_InitFont(&font->info, data, offset) == 0 || !cffIndexesInside(font->info, data, size, offset)) {
+        font.reset();
+        throw PlakardError(fileName + " is not a TrueType or OpenType font, or is truncated");
+    }
+
+    int ascent = 0;
+    int descent = 0;
+    int lineGap = 0;
+    stbtt_GetFontVMetrics(&font->info, &ascent, &descent, &lineGap);
+    font->ascentUnits = ascent;
+    font->descentUnits = descent;
+    // Deliberately through stb's single-precision scale: an em of 1000 gives
+    // 999.999952502551, and every headline size is computed from that value.
+    font->unitsPerEm = 1.0 / static_cast<double>(stbtt_ScaleForMappingEmToPixels(&font->info, 1.0f));
+    font->name = fileName;
+    return font;
+}
+
+}  // namespace plakard

@@ -1,0 +1,151 @@
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include "platform/PlakardError.hpp"
+#include "platform/Require.hpp"
+#include "platform/Unicode.hpp"
+#include "raster/Blend.hpp"
+#include "type/Font.hpp"
+
+namespace plakard {
+
+namespace {
+
+// The ordinary space needs no glyph and has no ink; every other blank does.
+constexpr char32_t space = U' ';
+
+struct FreeGlyphBitmap {
+    void operator()(unsigned char* bitmap) const { stbtt_FreeBitmap(bitmap, nullptr); }
+};
+using GlyphBitmap = std::unique_ptr<unsigned char, FreeGlyphBitmap>;
+
+int advanceWidth(const stbtt_fontinfo& info, int codePoint) {
+    // The bearing is not used; not asking for it spares stb a read that hmtx
+    // need not cover for glyphs beyond its long metrics.
+    int advance = 0;
+    stbtt_GetCodepointHMetrics(&info, codePoint, &advance, nullptr);
+    return advance;
+}
+
+std::string uppercaseHex(char32_t codePoint) {
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "%X", static_cast<unsigned>(codePoint));
+    return digits;
+}
+
+std::int64_t sum(std::int64_t a, std::int64_t b) {
+    std::int64_t result = 0;
+    require(!__builtin_add_overflow(a, b, &result));
+    return result;
+}
+
+struct Span {
+    std::int64_t first;
+    std::int64_t end;
+};
+
+// The indices i in 0..<length for which start + i lies in 0..<limit, computed
+// without overflow however far outside the canvas the glyph lands.
+Span visible(std::int64_t start, std::int64_t length, std::int64_t limit) {
+    if (start >= limit) return {0, 0};
+    if (start >= 0) return {0, std::min(length, limit - start)};
+    if (start <= -length) return {0, 0};
+    return {-start, start + length <= limit ? length : limit - start};
+}
+
+// Blends one glyph's coverage bitmap with its top-left pixel at (left, top),
+// skipping whatever falls outside the canvas.
+void blendGlyph(Canvas& canvas, const unsigned char* coverage, int width, int height, std::int64_t left,
+                std::int64_t top, RGBA colour) {
+    const Span rows = visible(top, height, canvas.height);
+    const Span columns = visible(left, width, canvas.width);
+    // A fully covered pixel of an opaque colour blends to exactly the colour,
+    // whatever lies below; headline glyphs are mostly such pixels.
+    const bool opaque = colour.a == 255;
+    const std::uint8_t solid[4] = {colour.r, colour.g, colour.b, colour.a};
+    for (std::int64_t i = rows.first; i < rows.end; ++i) {
+        const unsigned char* row = coverage + i * width;
+        std::uint8_t* target = canvas.pixel(left + columns.first, top + i);
+        for (std::int64_t j = columns.first; j < columns.end; ++j, target += 4) {
+            if (row[j] == 0) continue;
+            if (opaque && row[j] == 255) std::memcpy(target, solid, 4);
+            else blendInto(target, colour, row[j] / 255.0);
+        }
+    }
+}
+
+}  // namespace
+
+double Font::advanceUnits(std::string_view text) const {
+    double total = 0.0;
+    bool first = true;
+    int previous = 0;
+    for (char32_t c : codePoints(text)) {
+        const int codePoint = static_cast<int>(c);
+        if (c != space && stbtt_FindGlyphIndex(&info, codePoint) == 0) {
+            throw PlakardError(name + " has no glyph for '" + utf8(c) + "' (U+" + uppercaseHex(c) +
+                               "); pass --font with a face that covers this headline");
+        }
+        const int advance = advanceWidth(info, codePoint);
+        if (!first) total += stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
+        total += advance;
+        previous = codePoint;
+        first = false;
+    }
+    return total;
+}
+
+InkExtent Font::inkExtent(std::string_view text, double scale) const {
+    double top = std::numeric_limits<double>::max();
+    double bottom = -top;
+    const float glyphScale = static_cast<float>(scale);
+    for (char32_t c : codePoints(text)) {
+        if (c == space) continue;
+        int x0 = 0;
+        int y0 = 0;
+        int x1 = 0;
+        int y1 = 0;
+        stbtt_GetCodepointBitmapBox(&info, static_cast<int>(c), glyphScale, glyphScale, &x0, &y0, &x1, &y1);
+        if (y0 < y1) {
+            top = std::min(top, static_cast<double>(y0));
+            bottom = std::max(bottom, static_cast<double>(y1));
+        }
+    }
+    if (top < bottom) return {top, bottom};
+    return {-(ascentUnits * scale), -(descentUnits * scale)};
+}
+
+void Font::drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x, double baseline,
+                    double scale) const {
+    if (text.empty()) return;
+    const std::int64_t baselineRow = roundToInt64(baseline);
+    const float glyphScale = static_cast<float>(scale);
+    double pen = x;
+    bool first = true;
+    int previous = 0;
+    for (char32_t c : codePoints(text)) {
+        const int codePoint = static_cast<int>(c);
+        if (!first) pen += scale * stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
+        int width = 0;
+        int height = 0;
+        int xOffset = 0;
+        int yOffset = 0;
+        // One glyph at a time, freed before the next: no cache outlives its glyph.
+        GlyphBitmap bitmap(
+            stbtt_GetCodepointBitmap(&info, 0, glyphScale, codePoint, &width, &height, &xOffset, &yOffset));
+        if (bitmap) {
+            blendGlyph(canvas, bitmap.get(), width, height, sum(roundToInt64(pen), xOffset),
+                       sum(baselineRow, yOffset), colour);
+        }
+        bitmap.reset();
+        pen += scale * advanceWidth(info, codePoint);
+        previous = codePoint;
+        first = false;
+    }
+}
+
+}  // namespace plakard
