@@ -3,10 +3,11 @@
 // message a run with several faults gets.
 
 #include <filesystem>
-#include <optional>
+#include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
-#include "cli/FileLocation.hpp"
 #include "cli/Headline.hpp"
 #include "cli/PlakardCLI.hpp"
 #include "cli/StandardOutput.hpp"
@@ -23,10 +24,10 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     const OutputSize size = parseSize(options);
     std::vector<std::string> lines = headlineLines(required(options, "--headline"));
     const std::string& outText = required(options, "--out");
-    const std::filesystem::path out = fileLocation(outText);
+    const std::filesystem::path out = absolutePath(outText);
     const RGBA background(required(options, "--bg"));
     const RGBA foreground(optionalValue(options, "--fg").value_or("#FFFFFF"));
-    Canvas screenshot(fileLocation(required(options, "--screenshot")));
+    Canvas screenshot(absolutePath(required(options, "--screenshot")));
     const Layout layout = parseLayout(options);
     // An empty --font is still a font path, and fails as one.
     std::shared_ptr<const Font> font = Font::discover(optionalValue(options, "--font"));

@@ -1,5 +1,7 @@
 #include "cli/Headline.hpp"
 
+#include <utility>
+
 #include "platform/PlakardError.hpp"
 #include "platform/Unicode.hpp"
 

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "cli/FileLocation.hpp"
 #include "cli/PlakardCLI.hpp"
 #include "cli/StandardOutput.hpp"
+#include "platform/Paths.hpp"
 #include "platform/PlakardError.hpp"
 #include "raster/Canvas.hpp"
 
@@ -15,7 +15,7 @@ void PlakardCLI::runProbe(const std::vector<std::string>& positionals) {
     if (positionals.empty()) throw PlakardError("probe needs at least one image path");
     for (const std::string& pathText : positionals) {
         // The whole image is decoded, so a good header on a damaged body fails.
-        const Canvas image(fileLocation(pathText));
+        const Canvas image(absolutePath(pathText));
         printLine(std::to_string(image.width) + "x" + std::to_string(image.height));
     }
 }

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "cli/FileLocation.hpp"
 #include "cli/PlakardCLI.hpp"
 #include "cli/StandardOutput.hpp"
 #include "platform/Paths.hpp"
@@ -15,8 +14,8 @@ namespace plakard {
 void PlakardCLI::runResize(const OptionTable& options) {
     const OutputSize size = parseSize(options);
     const std::string& outText = required(options, "--out");
-    const std::filesystem::path out = fileLocation(outText);
-    const std::filesystem::path in = fileLocation(required(options, "--in"));
+    const std::filesystem::path out = absolutePath(outText);
+    const std::filesystem::path in = absolutePath(required(options, "--in"));
     const Canvas image(in);
     const Fit fit = parseFit(options);
     writePNG(image.fitted(size.width, size.height, fit), out, true);

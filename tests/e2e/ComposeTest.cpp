@@ -54,10 +54,15 @@ TEST_F(ComposeTest, ValidatesInOrderSizeHeadlineColoursCaptureLayoutFont) {
                   "cannot read " + (folder() / "missing.png").string() + ": No such file or directory");
     expectFailure(complete({"--layout", "Hero", "--font", "missing.ttf"}), "--layout must be one of hero, device-top");
     expectFailure(complete({"--font", "missing.ttf"}), "font not found: missing.ttf");
-    // An empty --font is a font path like any other.
-    expectFailure(complete({"--font="}), "font not found: ");
-    expectFailure(complete({"--font", "missing.ttf"}), "font not found: missing.ttf");
     EXPECT_FALSE(std::filesystem::exists(folder() / "final"));
+}
+
+TEST_F(ComposeTest, OnlyAnAbsentFontOptionLeavesTheChoiceToTheEnvironment) {
+    const std::map<std::string, std::optional<std::string>> environment{{"PLAKARD_FONT", "env.ttf"}};
+    expectFailure(complete(), "font not found: env.ttf (from PLAKARD_FONT)", environment);
+    expectFailure(complete({"--font", "flag.ttf"}), "font not found: flag.ttf", environment);
+    // An empty --font is a font path like any other.
+    expectFailure(complete({"--font="}), "font not found: ", environment);
 }
 
 TEST_F(ComposeTest, WritesTheExactSizeAndPrintsTheAbsolutePath) {

@@ -2,6 +2,7 @@
 // Runs the real plakard binary the way a shell would: given arguments, a
 // working folder and environment, capturing both streams and the exit status.
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -62,8 +63,9 @@ protected:
                           const std::string& out, const std::string& err);
 
     // A failure: status 1, nothing on standard output, one line on standard error.
-    void expectFailure(const std::vector<std::string>& arguments, const std::string& message) const {
-        expectRun(arguments, run(arguments), 1, "", "plakard: " + message + "\n");
+    void expectFailure(const std::vector<std::string>& arguments, const std::string& message,
+                       std::map<std::string, std::optional<std::string>> environment = {}) const {
+        expectRun(arguments, run(arguments, std::move(environment)), 1, "", "plakard: " + message + "\n");
     }
 
 private:
