@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ struct OutputSize {
 
 // `--name value` and `--name=value`; words not starting with "--" are positional.
 ParsedOptions parseOptions(const std::vector<std::string>& words);
+
+// The option's value if it was given (an empty value counts as given).
+std::optional<std::string> optionalValue(const OptionTable& options, const std::string& key);
 
 // The option's value; throws "missing <key>".
 const std::string& required(const OptionTable& options, const std::string& key);

@@ -1,7 +1,77 @@
 #include "cli/PlakardCLI.hpp"
 
+#include <algorithm>
+#include <exception>
+
+#include "cli/StandardOutput.hpp"
+#include "platform/PlakardError.hpp"
+#include "platform/StandardError.hpp"
+
 namespace plakard {
 
-int PlakardCLI::main(const std::vector<std::string>&) { return 2; }
+namespace {
+
+constexpr int statusSuccess = 0;
+constexpr int statusFailure = 1;
+constexpr int statusNoCommand = 2;
+
+int printUsage(int status) {
+    printLine(usageText);
+    flushStandardOutput();
+    return status;
+}
+
+// The one place a failure becomes a line on standard error. Lines a driver has
+// already printed go out first.
+int reportFailure(std::string_view message) {
+    flushStandardOutput();
+    std::string line = "plakard: ";
+    line += message;
+    line += '\n';
+    writeStandardError(line);
+    return statusFailure;
+}
+
+void dispatch(const std::string& command, const ParsedOptions& parsed) {
+    if (command == "compose") {
+        PlakardCLI::runCompose(parsed.options);
+    } else if (command == "resize") {
+        PlakardCLI::runResize(parsed.options);
+    } else if (command == "probe") {
+        PlakardCLI::runProbe(parsed.positionals);
+    } else {
+        throw PlakardError("unknown command '" + command + "'; try `plakard help`");
+    }
+}
+
+}  // namespace
+
+int PlakardCLI::main(const std::vector<std::string>& arguments) {
+    // Element 0 is the program path; a process may be started without one.
+    const std::vector<std::string> words(arguments.empty() ? arguments.end() : arguments.begin() + 1,
+                                         arguments.end());
+    const std::string command = words.empty() ? std::string() : words.front();
+
+    if (command.empty()) return printUsage(statusNoCommand);
+    if (command == "help") return printUsage(statusSuccess);
+    // Asking for help wins wherever it stands, even as an option's value, and
+    // before anything is parsed or read.
+    if (std::ranges::any_of(words, [](const std::string& word) { return word == "--help" || word == "-h"; })) {
+        return printUsage(statusSuccess);
+    }
+
+    try {
+        const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
+        dispatch(command, parsed);
+    } catch (const PlakardError& error) {
+        return reportFailure(error.description);
+    } catch (const std::exception& error) {
+        return reportFailure(error.what());
+    } catch (...) {
+        return reportFailure("unexpected failure");
+    }
+    flushStandardOutput();
+    return statusSuccess;
+}
 
 }  // namespace plakard

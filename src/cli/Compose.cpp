@@ -1,0 +1,49 @@
+// `plakard compose`: validates everything a page needs, has the page composer
+// draw it and writes it as an opaque PNG. The order of the steps decides which
+// message a run with several faults gets.
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/Headline.hpp"
+#include "cli/PlakardCLI.hpp"
+#include "cli/StandardOutput.hpp"
+#include "compose/ComposeRequest.hpp"
+#include "compose/PageComposer.hpp"
+#include "platform/Paths.hpp"
+#include "raster/Canvas.hpp"
+#include "raster/RGBA.hpp"
+#include "type/Font.hpp"
+
+namespace plakard {
+
+void PlakardCLI::runCompose(const OptionTable& options) {
+    const OutputSize size = parseSize(options);
+    std::vector<std::string> lines = headlineLines(required(options, "--headline"));
+    const std::string& outText = required(options, "--out");
+    const std::filesystem::path out = absolutePath(outText);
+    const RGBA background(required(options, "--bg"));
+    const RGBA foreground(optionalValue(options, "--fg").value_or("#FFFFFF"));
+    Canvas screenshot(absolutePath(required(options, "--screenshot")));
+    const Layout layout = parseLayout(options);
+    // An empty --font is still a font path, and fails as one.
+    std::shared_ptr<const Font> font = Font::discover(optionalValue(options, "--font"));
+
+    const ComposeRequest request{
+        .width = size.width,
+        .height = size.height,
+        .background = background,
+        .foreground = foreground,
+        .lines = std::move(lines),
+        .screenshot = std::move(screenshot),
+        .layout = layout,
+        .font = std::move(font),
+    };
+    writePNG(composePage(request), out, true);
+    printLine(standardizedPath(outText).string());
+}
+
+}  // namespace plakard

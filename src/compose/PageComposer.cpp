@@ -1,0 +1,47 @@
+#include "compose/PageComposer.hpp"
+
+#include <vector>
+
+#include "compose/DeviceFrame.hpp"
+#include "compose/PageLayout.hpp"
+
+namespace plakard {
+
+Canvas composePage(const ComposeRequest& request) {
+    Canvas page(request.width, request.height, request.background);
+    const Font& font = *request.font;
+    const PageMetrics metrics = pageMetrics(request.width, request.height);
+
+    // Every line is sized (and refused) before anything is measured for ink,
+    // so the first illegible or unmeasurable line in headline order is the one
+    // reported.
+    std::vector<double> scales;
+    scales.reserve(request.lines.size());
+    for (std::size_t i = 0; i < request.lines.size(); ++i) {
+        const std::string& line = request.lines[i];
+        const double size = fittedLineSize(metrics, line, i, font.advanceUnits(line), font.unitsPerEm);
+        scales.push_back(size / font.unitsPerEm);
+    }
+    std::vector<InkExtent> inks;
+    inks.reserve(request.lines.size());
+    for (std::size_t i = 0; i < request.lines.size(); ++i) inks.push_back(font.inkExtent(request.lines[i], scales[i]));
+
+    const PagePlacement placement = placePage(metrics, request.screenshot.width, request.screenshot.height,
+                                              request.layout, inks);
+    drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
+               placement.phoneHeight, metrics.bezel);
+
+    // The headline goes on last, over the phone where they meet; each line's
+    // ink starts where the previous line's gap ends.
+    double cursor = placement.headlineTop;
+    for (std::size_t i = 0; i < request.lines.size(); ++i) {
+        const std::string& line = request.lines[i];
+        const double width = font.advanceUnits(line) * scales[i];
+        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top,
+                      scales[i]);
+        cursor = cursor + metrics.lineGap + (inks[i].bottom - inks[i].top);
+    }
+    return page;
+}
+
+}  // namespace plakard

@@ -1,0 +1,75 @@
+#pragma once
+// Runs the real plakard binary the way a shell would: given arguments, a
+// working folder and environment, capturing both streams and the exit status.
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/TestSupport.hpp"
+
+namespace plakard::test {
+
+struct RunResult {
+    int status = -1;  // the exit status, or 128 + signal number
+    std::string out;
+    std::string err;
+};
+
+struct RunSettings {
+    std::filesystem::path workingDirectory;
+    // Set (a value) or removed (nullopt) on top of the test's own environment.
+    // PLAKARD_FONT is always removed unless set here.
+    std::map<std::string, std::optional<std::string>> environment;
+};
+
+// Runs PLAKARD_BINARY with `arguments` (argv[0] is added).
+RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings);
+
+// A shell-like rendering of the command line for failure messages.
+std::string commandLine(const std::vector<std::string>& arguments);
+
+std::string readBytes(const std::filesystem::path& path);
+
+// The fields of a PNG's header that callers care about.
+struct PNGHeader {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    int colourType = -1;  // 2 = RGB, 6 = RGBA
+};
+std::optional<PNGHeader> pngHeader(const std::filesystem::path& path);
+
+// Each test runs in a fresh, empty temporary folder.
+class EndToEnd : public ::testing::Test {
+protected:
+    // The folder as the child sees it from getcwd: links resolved.
+    std::filesystem::path folder() const { return std::filesystem::canonical(temp_.path()); }
+
+    RunResult run(const std::vector<std::string>& arguments,
+                  std::map<std::string, std::optional<std::string>> environment = {}) const {
+        return runPlakard(arguments, {temp_.path(), std::move(environment)});
+    }
+
+    // Copies a committed input into the run folder under `name`.
+    void provide(const std::string& dataName, const std::string& name) const;
+
+    // Checks status and both streams exactly, naming the command on mismatch.
+    static void expectRun(const std::vector<std::string>& arguments, const RunResult& result, int status,
+                          const std::string& out, const std::string& err);
+
+    // A failure: status 1, nothing on standard output, one line on standard error.
+    void expectFailure(const std::vector<std::string>& arguments, const std::string& message,
+                       std::map<std::string, std::optional<std::string>> environment = {}) const {
+        expectRun(arguments, run(arguments, std::move(environment)), 1, "", "plakard: " + message + "\n");
+    }
+
+private:
+    TempDir temp_;
+};
+
+}  // namespace plakard::test
