@@ -8,6 +8,7 @@
 #include "platform/PlakardError.hpp"
 #include "platform/Require.hpp"
 #include "raster/Canvas.hpp"
+#include "raster/Decode.hpp"
 #include "raster/stb/StbImage.hpp"
 
 namespace plakard {
@@ -18,33 +19,39 @@ struct DecodedPixelsFree {
     void operator()(stbi_uc* pixels) const { stbi_image_free(pixels); }
 };
 
-Canvas decode(const std::filesystem::path& path) {
-    const std::filesystem::path fullPath = absolutePath(path);
-    FileRead file = readFile(fullPath);
-    if (!file.ok()) throw PlakardError("cannot read " + fullPath.string() + ": " + file.error);
+}  // namespace
 
+Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
     // An empty file still goes to the decoder (and fails there like any
     // other undecodable data), but never as a null pointer.
     static const stbi_uc nothing = 0;
-    const stbi_uc* bytes = file.bytes.empty() ? &nothing : file.bytes.data();
+    const stbi_uc* bytes = data.empty() ? &nothing : data.data();
     int width = 0;
     int height = 0;
     int channelsInFile = 0;
     clearDecoderFailureReason();
-    std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(
-        stbi_load_from_memory(bytes, toInt32(static_cast<std::int64_t>(file.bytes.size())), &width, &height,
-                              &channelsInFile, 4));
+    std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(stbi_load_from_memory(
+        bytes, toInt32(static_cast<std::int64_t>(data.size())), &width, &height, &channelsInFile, 4));
     if (!decoded) {
         // The reason is global state of the decoder: read it right away. An
         // empty one (stb names an unknown chunk by its type, which is "" for
         // a file cut off right after a chunk) says as little as none.
         const char* reason = stbi_failure_reason();
-        throw PlakardError("cannot decode " + lastComponent(path) + ": " +
-                           (reason && *reason ? reason : "unsupported image") + " (PNG and JPEG only)");
+        throw PlakardError("cannot decode " + fileName + ": " + (reason && *reason ? reason : "unsupported image") +
+                           " (PNG and JPEG only)");
     }
     require(width >= 1 && height >= 1 && width <= INT64_MAX / 4 / height);
     const std::size_t byteCount = static_cast<std::size_t>(std::int64_t{width} * height * 4);
     return Canvas(width, height, std::vector<std::uint8_t>(decoded.get(), decoded.get() + byteCount));
+}
+
+namespace {
+
+Canvas decode(const std::filesystem::path& path) {
+    const std::filesystem::path fullPath = absolutePath(path);
+    FileRead file = readFile(fullPath);
+    if (!file.ok()) throw PlakardError("cannot read " + fullPath.string() + ": " + file.error);
+    return decodedImage(file.bytes, lastComponent(path));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,10 @@ public:
     // "<name> is too small to be a font" or
     // "<name> is not a TrueType or OpenType font, or is truncated".
     static std::shared_ptr<const Font> load(const std::filesystem::path& path);
+
+    // The same checks on a file's bytes already in memory; `fileName` is the
+    // name messages use.
+    static std::shared_ptr<const Font> fromData(std::span<const std::uint8_t> bytes, const std::string& fileName);
 
     // Finds the headline face: --font, then PLAKARD_FONT, then Inter-Black.ttf
     // beside the executable, then the fixed system fallbacks (with a warning).

@@ -40,17 +40,18 @@ bool tableDirectoryInside(const std::uint8_t* data, std::size_t size, int offset
 Font::~Font() = default;
 
 std::shared_ptr<const Font> Font::load(const std::filesystem::path& path) {
-    const std::string fileName = lastComponent(path);
+    FileRead read = readFile(path);
+    if (!read.ok()) throw PlakardError("cannot read font " + absoluteText(path) + ": " + read.error);
+    return fromData(read.bytes, lastComponent(path));
+}
+
+std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, const std::string& fileName) {
+    if (bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
     // The Font is created in place and never moves: info will point into storage.
     std::shared_ptr<Font> font(new Font());
-    {
-        FileRead read = readFile(path);
-        if (!read.ok()) throw PlakardError("cannot read font " + absoluteText(path) + ": " + read.error);
-        if (read.bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
-        font->storageSize = read.bytes.size();
-        font->storage = std::make_unique_for_overwrite<std::uint8_t[]>(font->storageSize);
-        std::memcpy(font->storage.get(), read.bytes.data(), font->storageSize);
-    }
+    font->storageSize = bytes.size();
+    font->storage = std::make_unique_for_overwrite<std::uint8_t[]>(font->storageSize);
+    std::memcpy(font->storage.get(), bytes.data(), font->storageSize);
 
     const std::uint8_t* data = font->storage.get();
     const std::size_t size = font->storageSize;
