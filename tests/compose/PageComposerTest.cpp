@@ -75,13 +75,6 @@ TEST(ComposePage, ReportsTheFirstFailingLineInHeadlineOrder) {
     EXPECT_EQ(thrownBy(smallRequest({tooLong, noGlyph}, Layout::hero)).rfind("headline line '" + tooLong, 0), 0u);
 }
 
-TEST(ComposePage, PageHasTheRequestedSizeAndBackground) {
-    const Canvas page = composePage(smallRequest({"PLAN YOUR DAY"}, Layout::hero));
-    EXPECT_EQ(page.width, 260);
-    EXPECT_EQ(page.height, 560);
-    EXPECT_EQ(page.colour(0, 0), blue);
-}
-
 // The first row, from the top, holding a pixel of the headline's white.
 std::int64_t firstWhiteRow(const Canvas& page, std::int64_t from, std::int64_t to) {
     for (std::int64_t y = from; y < to; ++y)
