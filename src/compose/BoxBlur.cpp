@@ -23,10 +23,11 @@ constexpr std::int64_t maxHalfWidth = 1 << 20;
 // round(sum / n) for a window of n (odd) bytes, halves up, is
 // floor((2 sum + n) / 2n). The numerator is odd and the divisor even, so the
 // exact quotient (at most 255.5) lies at least 1/2n away from every integer.
-// Its product with the rounded reciprocal carries two roundings, a relative
-// error below 2^-23 in float: less than 2^-15 absolute, which is below 1/2n
-// while n < 2^14 (double has room far beyond), so truncating the product gives
-// the exact floor. Unlike a division this vectorises.
+// While n < 2^14 the numerator (below 2^23) is exact in float, and its product
+// with the rounded reciprocal carries two roundings: a relative error below
+// 2^-23, so less than 2^-15 absolute, which is below 1/2n. Truncating the
+// product therefore gives the exact floor; double has room far beyond. Unlike
+// an integer division this vectorises.
 template <typename Real>
 void divideSums(const std::int32_t* sums, std::uint8_t* out, std::size_t count, std::int32_t n) {
     const Real inverse = Real(1) / static_cast<Real>(2 * n);
@@ -142,9 +143,10 @@ void verticalPass(Canvas& image, const Region& region, std::int64_t k, std::vect
     sums.resize(count);
     std::int32_t* sum = sums.data();
 
-    // Rows (first, compared] have been compared with the row above; the last
-    // that differed is `change`, so a window [low, high] with high <= compared
-    // is uniform exactly when change <= low.
+    // Each row after the first window's top, up to `compared`, has been
+    // compared with the row above it; the last that differed is `change`. So
+    // a window [low, high] with high <= compared is uniform exactly when
+    // change <= low.
     std::int64_t compared = std::clamp<std::int64_t>(region.top - k, 0, last);
     std::int64_t change = compared;
     bool summed = false;  // whether `sum` holds the window of row t

@@ -12,27 +12,41 @@ constexpr RGBA shadowColour{0, 0, 0, 110};
 constexpr RGBA bodyColour{16, 16, 18, 255};
 constexpr RGBA pillColour{0, 0, 0, 255};
 
+void fill(Canvas& canvas, RGBA colour, const RoundedRectangle& r) {
+    fillRoundedRect(canvas, colour, r.x, r.y, r.width, r.height, r.radius);
+}
+
 }  // namespace
 
-void drawDevice(Canvas& page, const Canvas& capture, double x, double y, double w, double h, double b) {
+DeviceGeometry deviceGeometry(double x, double y, double w, double h, double b) {
     const double radius = 0.13 * w;
+    const double pillWidth = 0.3 * w;
+    const double pillHeight = 0.085 * w;
+    return DeviceGeometry{
+        .shadow = {x, y + 2 * b, w, h, radius},
+        .blurAmount = 0.035 * w,
+        .body = {x, y, w, h, radius},
+        .screen = {x + b, y + b, w - 2 * b, h - 2 * b, radius - b},
+        .pill = {x + (w - pillWidth) * 0.5, y + b + 0.028 * w, pillWidth, pillHeight, pillHeight * 0.5},
+    };
+}
+
+void drawDevice(Canvas& page, const Canvas& capture, double x, double y, double w, double h, double b) {
+    const DeviceGeometry device = deviceGeometry(x, y, w, h, b);
 
     // The body's own shape, dropped by twice the bezel and blurred on a
     // transparent sheet the size of the page, then laid under everything else.
     {
         Canvas shadow(page.width, page.height, RGBA{0, 0, 0, 0});
-        fillRoundedRect(shadow, shadowColour, x, y + 2 * b, w, h, radius);
-        blurInPlace(shadow, 0.035 * w);
+        fill(shadow, shadowColour, device.shadow);
+        blurInPlace(shadow, device.blurAmount);
         compositeOver(page, shadow, 0, 0);
     }
 
-    fillRoundedRect(page, bodyColour, x, y, w, h, radius);
-    drawImageRounded(page, capture, x + b, y + b, w - 2 * b, h - 2 * b, radius - b);
-
-    const double pillWidth = 0.3 * w;
-    const double pillHeight = 0.085 * w;
-    fillRoundedRect(page, pillColour, x + (w - pillWidth) * 0.5, y + b + 0.028 * w, pillWidth, pillHeight,
-                    pillHeight * 0.5);
+    fill(page, bodyColour, device.body);
+    const RoundedRectangle& screen = device.screen;
+    drawImageRounded(page, capture, screen.x, screen.y, screen.width, screen.height, screen.radius);
+    fill(page, pillColour, device.pill);
 }
 
 }  // namespace plakard

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 
+#include "compose/Primitives.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
 
@@ -24,6 +25,27 @@ inline std::string describe(RGBA colour) {
         text += std::to_string(channel);
     }
     return text + ")";
+}
+
+// A made-up app screen: a vertical gradient, a white bar along the top, and
+// cards with round badges, in proportion to the width.
+inline Canvas sampleCapture(std::int64_t width, std::int64_t height) {
+    Canvas capture(width, height, RGBA{0, 0, 0, 255});
+    for (std::int64_t y = 0; y < height; ++y)
+        for (std::int64_t x = 0; x < width; ++x) {
+            std::uint8_t* p = capture.pixel(x, y);
+            p[0] = static_cast<std::uint8_t>(40 + 180 * y / height);
+            p[1] = static_cast<std::uint8_t>(90 + 100 * x / width);
+            p[2] = 200;
+        }
+    const double unit = static_cast<double>(width) / 100;
+    fillRoundedRect(capture, RGBA{255, 255, 255, 255}, 0, 0, 100 * unit, 11 * unit, 0);
+    for (int card = 0; card * 30 + 17 < 100 * height / width; ++card) {
+        const double top = (17 + card * 30) * unit;
+        fillRoundedRect(capture, RGBA{255, 255, 255, 230}, 5 * unit, top, 90 * unit, 25 * unit, 3 * unit);
+        fillRoundedRect(capture, RGBA{255, 120, 60, 255}, 8 * unit, top + 3 * unit, 19 * unit, 19 * unit, 99);
+    }
+    return capture;
 }
 
 // The first pixel where two canvases of one size differ, for a failure message.

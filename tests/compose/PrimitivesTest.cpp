@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <random>
 
 #include "compose/Primitives.hpp"
@@ -108,14 +109,6 @@ TEST(RoundedRectCoverage, HandComputedPixels) {
         EXPECT_NEAR(roundedRectCoverage(c.px, c.py, c.x, c.y, c.w, c.h, c.radius), c.expected, 1e-12) << c.what;
 }
 
-TEST(RoundedRectCoverage, RadiusIsClampedToHalfTheShorterSide) {
-    for (std::int64_t py = -1; py <= 11; ++py)
-        for (std::int64_t px = -1; px <= 41; ++px) {
-            EXPECT_EQ(roundedRectCoverage(px, py, 0, 0, 40, 10, 99), roundedRectCoverage(px, py, 0, 0, 40, 10, 5));
-            EXPECT_EQ(roundedRectCoverage(px, py, 0, 0, 40, 10, -2), roundedRectCoverage(px, py, 0, 0, 40, 10, 0));
-        }
-}
-
 // The plain definition: every pixel of the bounding box plus one, blended
 // one by one at its coverage.
 void referenceFill(Canvas& canvas, RGBA colour, double x, double y, double w, double h, double radius) {
@@ -200,7 +193,8 @@ TEST(FillRoundedRect, HalfPixelEdgesBlendAtHalfCoverage) {
     Canvas canvas(6, 3, RGBA{0, 0, 0, 255});
     fillRoundedRect(canvas, RGBA{200, 200, 200, 255}, 1.5, -1, 3, 5, 0);
     const std::uint8_t expected[] = {0, 100, 200, 200, 100, 0};
-    for (std::int64_t x = 0; x < 6; ++x) EXPECT_EQ(canvas.colour(x, 1), RGBA(expected[x], expected[x], expected[x], 255)) << x;
+    for (std::int64_t x = 0; x < 6; ++x)
+        EXPECT_EQ(canvas.colour(x, 1), RGBA(expected[x], expected[x], expected[x], 255)) << x;
 }
 
 TEST(FillRoundedRect, WhollyOutsideDrawsNothing) {
@@ -221,12 +215,13 @@ TEST(DrawImageRounded, AtTargetSizeEqualsBlendingEveryPixel) {
         const double w = randomReal(random, 0, 40);
         const double h = randomReal(random, 0, 40);
         const double radius = randomReal(random, -2, 25);
-        Canvas image = randomCanvas(std::max<std::int64_t>(1, std::llround(w)), std::max<std::int64_t>(1, std::llround(h)), random);
+        const std::int64_t width = std::max<std::int64_t>(1, std::llround(w));
+        Canvas image = randomCanvas(width, std::max<std::int64_t>(1, std::llround(h)), random);
         // Opaque and repeated pixels take the shortcuts; the rest blend.
         for (std::size_t i = 3; i < image.pixels.size(); i += 4)
             if (random() % 2 == 0) image.pixels[i] = 255;
-        for (std::size_t i = 8; i < image.pixels.size() && random() % 3 == 0; i += 4)
-            std::copy_n(image.pixels.begin() + static_cast<std::ptrdiff_t>(i - 4), 4, image.pixels.begin() + static_cast<std::ptrdiff_t>(i));
+        for (std::size_t i = 4; i < image.pixels.size(); i += 4)
+            if (random() % 3 == 0) std::memcpy(image.pixels.data() + i, image.pixels.data() + i - 4, 4);
         Canvas expected = canvas;
         referenceImage(expected, image, x, y, w, h, radius);
         drawImageRounded(canvas, image, x, y, w, h, radius);
