@@ -270,7 +270,7 @@ else
   build_flags="unknown (no build in $build_dir)"
 fi
 cpu=$(sed -n 's/^model name[[:space:]]*: //p' /proc/cpuinfo | head -1)
-sharp_versions=$(node -e "const s=require('sharp'); console.log(s.versions.sharp + ' (libvips ' + s.versions.vips + ', ' + s.concurrency() + ' threads)')")
+sharp_versions=$(node -e "const s=require('sharp'); console.log(s.versions.sharp + ' (libvips ' + s.versions.vips + ', concurrency ' + s.concurrency() + ')')")
 thread_note="the default of each tool"
 [ -n "$threads" ] && thread_note="capped at $threads (VIPS_CONCURRENCY, MAGICK_THREAD_LIMIT, sharp.concurrency)"
 
@@ -288,7 +288,7 @@ results="$root/bench/results.md"
   echo
   echo "Machine and builds:"
   echo
-  echo "- CPU: $cpu, $(nproc) cores online ($(grep -c '^processor' /proc/cpuinfo) logical)"
+  echo "- CPU: $cpu, $(getconf _NPROCESSORS_ONLN) logical cores online"
   echo "- Memory: $(awk '/MemTotal/ { printf "%.1f GiB", $2 / 1048576 }' /proc/meminfo); $(. /etc/os-release && echo "$PRETTY_NAME"), Linux $(uname -r)"
   echo "- plakard: ${build_type:-unknown} build, $compiler_version; flags: \`$(tr -s ' ' <<<"$build_flags" | sed 's/^ //;s/ $//')\`; one thread"
   echo "- sharp $sharp_versions, Node $(node --version)"
