@@ -4,6 +4,7 @@
 #   make test      build and run every test
 #   make sanitize  build and run the tests under ASan + UBSan
 #   make bench     build and run the kernel benchmarks
+#   make bench-peers  time whole runs next to libvips, sharp and ImageMagick
 #   make fuzz      build the fuzz targets and replay their corpora
 
 BUILD    ?= build
@@ -13,7 +14,7 @@ JOBS     ?= $(shell nproc)
 WERROR   ?= $(if $(CI),ON,OFF)
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build test sanitize demo bench fuzz clean
+.PHONY: all deps build test sanitize demo bench bench-peers fuzz clean
 
 all: build
 
@@ -43,3 +44,6 @@ bench: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release -DPLAKARD_BUILD_BENCH=ON $(CMAKE_FLAGS)
 	cmake --build $(BUILD) -j $(JOBS) --target plakard_bench
 	$(BUILD)/bench/plakard_bench
+
+bench-peers: build
+	scripts/bench-peers.sh $(BUILD)
