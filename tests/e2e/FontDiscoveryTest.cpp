@@ -184,7 +184,6 @@ TEST_F(FontDiscoveryTest, TheOptionThenTheVariableThenTheFolderBesideTheProgram)
 }
 
 TEST_F(FontDiscoveryTest, AChosenFileThatIsNoFontFailsWithItsOwnMessage) {
-    fs::create_directory(folder() / "fonts");
     writeFile("fonts/eleven.ttf", "0123456789A");
     writeFile("fonts/twelve.ttf", "0123456789AB");
     struct Case {
