@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "e2e/Harness.hpp"
@@ -98,6 +99,56 @@ TEST_F(ComposeTest, AFailedRunLeavesAnExistingOutputAsItWas) {
     const std::string before = readBytes(folder() / "final/01.png");
     expectFailure(complete({"--layout", "sideways"}), "--layout must be one of hero, device-top");
     EXPECT_EQ(readBytes(folder() / "final/01.png"), before);
+}
+
+TEST_F(ComposeTest, PrintsTheStandardizedOutputPathWithoutResolvingLinks) {
+    std::filesystem::create_directory(folder() / "real");
+    std::filesystem::create_directory_symlink(folder() / "real", folder() / "link");
+    const std::vector<std::pair<std::string, std::filesystem::path>> outputs = {
+        {"./final/../final/./a.png", folder() / "final/a.png"},
+        {(folder() / "b.png").string(), folder() / "b.png"},
+        {"link/c.png", folder() / "link/c.png"},
+    };
+    for (const auto& [out, printed] : outputs) {
+        const std::vector<std::string> arguments = complete({"--out", out});
+        expectRun(arguments, run(arguments), 0, printed.string() + "\n", "");
+        EXPECT_TRUE(std::filesystem::exists(printed)) << printed;
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder() / "real/c.png"));
+}
+
+TEST_F(ComposeTest, AHeadlineThatGrowsWhenUpperCasedComposes) {
+    const std::vector<std::string> arguments = complete({"--headline", "straße"});
+    expectRun(arguments, run(arguments), 0, (folder() / "final/01.png").string() + "\n", "");
+}
+
+TEST_F(ComposeTest, ALineTooLongToReadSuggestsALengthAndLeavesTheOutputAlone) {
+    // Inter Black has 2816 units per em; É advances 1752 units and is not kerned
+    // against itself. A line of c of them is set at size = 0.7W / (1752c) × 2816,
+    // so N = round(c × size / (0.045W)) = round(0.7 × 2816 / (0.045 × 1752))
+    // = round(25.0025) = 25 for any c and W. 25 letters land at 0.045005W, just
+    // above the floor of 0.045W; 26 at 0.0433W, below it.
+    std::string fits;
+    for (int i = 0; i < 25; ++i) fits += "é";
+    const std::vector<std::string> accepted = complete({"--headline", "short|" + fits, "--out", "fits.png"});
+    expectRun(accepted, run(accepted), 0, (folder() / "fits.png").string() + "\n", "");
+
+    provide("e2e/grey-7x5.png", "final/01.png");
+    const std::string before = readBytes(folder() / "final/01.png");
+    std::string line;
+    for (int i = 0; i < 26; ++i) line += "É";
+    expectFailure(complete({"--headline", "short|" + fits + "é|" + fits + "éé"}),
+                  "headline line '" + line +
+                      "' is too long to set inside the centre 70% and stay legible at thumbnail size; shorten it to "
+                      "about 25 characters or fewer");
+    EXPECT_EQ(readBytes(folder() / "final/01.png"), before);
+}
+
+TEST_F(ComposeTest, TheFirstCharacterTheFaceLacksIsNamed) {
+    expectFailure(complete({"--headline", "smile \xF0\x9F\x98\x80|\xE2\x98\x83"}),
+                  "Inter-Black.ttf has no glyph for '\xF0\x9F\x98\x80' (U+1F600); pass --font with a face that "
+                  "covers this headline");
+    EXPECT_FALSE(std::filesystem::exists(folder() / "final"));
 }
 
 }  // namespace

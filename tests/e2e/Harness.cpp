@@ -78,7 +78,8 @@ void collect(int outFd, int errFd, std::string& out, std::string& err) {
 RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings) {
     // Everything the child needs is built before fork: after it, only
     // async-signal-safe calls.
-    std::vector<std::string> argvTexts{PLAKARD_BINARY};
+    std::vector<std::string> argvTexts = settings.launcher;
+    argvTexts.push_back(settings.executable.string());
     argvTexts.insert(argvTexts.end(), arguments.begin(), arguments.end());
     std::vector<std::string> envTexts = childEnvironment(settings.environment);
     std::vector<char*> argv = pointers(argvTexts);
@@ -110,12 +111,17 @@ RunResult runPlakard(const std::vector<std::string>& arguments, const RunSetting
     return result;
 }
 
+std::string shellQuoted(const std::string& word) {
+    std::string quoted = "'";
+    for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
 std::string commandLine(const std::vector<std::string>& arguments) {
     std::string line = "plakard";
     for (const std::string& argument : arguments) {
-        line += " '";
-        for (char c : argument) line += c == '\'' ? std::string("'\\''") : std::string(1, c);
-        line += "'";
+        line += ' ';
+        line += shellQuoted(argument);
     }
     return line;
 }

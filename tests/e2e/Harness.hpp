@@ -22,14 +22,22 @@ struct RunResult {
 };
 
 struct RunSettings {
-    std::filesystem::path workingDirectory;
+    std::filesystem::path workingDirectory{};
     // Set (a value) or removed (nullopt) on top of the test's own environment.
     // PLAKARD_FONT is always removed unless set here.
-    std::map<std::string, std::optional<std::string>> environment;
+    std::map<std::string, std::optional<std::string>> environment{};
+    // The program run: the built binary, or a copy of it or a link to it.
+    std::filesystem::path executable = PLAKARD_BINARY;
+    // Words before the program that start it, such as a command that runs it
+    // in a private mount namespace; the first is an absolute path.
+    std::vector<std::string> launcher{};
 };
 
-// Runs PLAKARD_BINARY with `arguments` (argv[0] is added).
+// Runs the launcher, if any, then `executable` with `arguments`.
 RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings);
+
+// A word quoted for the shell, between apostrophes.
+std::string shellQuoted(const std::string& word);
 
 // A shell-like rendering of the command line for failure messages.
 std::string commandLine(const std::vector<std::string>& arguments);
@@ -52,7 +60,13 @@ protected:
 
     RunResult run(const std::vector<std::string>& arguments,
                   std::map<std::string, std::optional<std::string>> environment = {}) const {
-        return runPlakard(arguments, {temp_.path(), std::move(environment)});
+        return runWith({.environment = std::move(environment)}, arguments);
+    }
+
+    // As run, with the program, its launcher and environment from `settings`.
+    RunResult runWith(RunSettings settings, const std::vector<std::string>& arguments) const {
+        settings.workingDirectory = temp_.path();
+        return runPlakard(arguments, settings);
     }
 
     // Copies a committed input into the run folder under `name`.
