@@ -16,9 +16,14 @@ void PlakardCLI::runResize(const OptionTable& options) {
     const std::string& outText = required(options, "--out");
     const std::filesystem::path out = absolutePath(outText);
     const std::filesystem::path in = absolutePath(required(options, "--in"));
-    const Canvas image(in);
-    const Fit fit = parseFit(options);
-    writePNG(image.fitted(size.width, size.height, fit), out, true);
+    // The input is gone before the write, which needs two more copies of the
+    // result at its peak: an input can be as large as any result.
+    const Canvas result = [&] {
+        const Canvas image(in);
+        const Fit fit = parseFit(options);
+        return image.fitted(size.width, size.height, fit);
+    }();
+    writePNG(result, out, true);
     printLine(standardizedPath(outText).string());
 }
 
