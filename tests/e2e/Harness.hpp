@@ -26,15 +26,53 @@ struct RunSettings {
     // Set (a value) or removed (nullopt) on top of the test's own environment.
     // PLAKARD_FONT is always removed unless set here.
     std::map<std::string, std::optional<std::string>> environment;
+    // Limits set in the child before it starts plakard: the largest file it
+    // may write (RLIMIT_FSIZE; SIGXFSZ is left at its default) and its address
+    // space (RLIMIT_AS), in bytes.
+    std::optional<std::uint64_t> fileSizeLimit;
+    std::optional<std::uint64_t> addressSpaceLimit;
+    // Run as this user and group (the test must be root to switch).
+    std::optional<unsigned> userAndGroup;
 };
 
-// Runs PLAKARD_BINARY with `arguments` (argv[0] is added).
+// Exit statuses of a child that never became plakard: it could not set its
+// limits or user, enter the working folder, or start the binary.
+constexpr int statusLimitsFailed = 125;
+constexpr int statusFolderFailed = 126;
+constexpr int statusExecFailed = 127;
+
+// A plakard that runs while the test goes on; wait() reaps it.
+class RunningPlakard {
+public:
+    RunningPlakard(const std::vector<std::string>& arguments, const RunSettings& settings);
+    ~RunningPlakard();
+    RunningPlakard(const RunningPlakard&) = delete;
+    RunningPlakard& operator=(const RunningPlakard&) = delete;
+
+    void kill(int signal) const;
+    // Collects both streams to their end and the exit status.
+    RunResult wait();
+
+private:
+    int pid_ = -1;
+    int out_ = -1;
+    int err_ = -1;
+};
+
+// Runs PLAKARD_BINARY with `arguments` (argv[0] is added) to its end.
 RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings);
+
+// Whether the tests (and so the binary) are built with AddressSanitizer,
+// which reserves far more address space than any limit a test would set.
+bool sanitizedBuild();
 
 // A shell-like rendering of the command line for failure messages.
 std::string commandLine(const std::vector<std::string>& arguments);
 
 std::string readBytes(const std::filesystem::path& path);
+
+// The names in a folder, sorted.
+std::vector<std::string> folderEntries(const std::filesystem::path& folder);
 
 // The fields of a PNG's header that callers care about.
 struct PNGHeader {
@@ -52,8 +90,20 @@ protected:
 
     RunResult run(const std::vector<std::string>& arguments,
                   std::map<std::string, std::optional<std::string>> environment = {}) const {
-        return runPlakard(arguments, {temp_.path(), std::move(environment)});
+        RunSettings here = settings();
+        here.environment = std::move(environment);
+        return runPlakard(arguments, here);
     }
+
+    // Settings for a run in the test's folder, to add limits to.
+    RunSettings settings() const {
+        RunSettings here;
+        here.workingDirectory = temp_.path();
+        return here;
+    }
+
+    // Writes `bytes` into the run folder under `name`.
+    void provideBytes(const std::string& name, const std::string& bytes) const;
 
     // Copies a committed input into the run folder under `name`.
     void provide(const std::string& dataName, const std::string& name) const;
