@@ -32,9 +32,9 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     // An empty --font is still a font path, and fails as one.
     std::shared_ptr<const Font> font = Font::discover(optionalValue(options, "--font"));
 
-    // The request, and the capture in it, is gone before the write, which
-    // needs two more copies of the page at its peak.
-    const Canvas page = composePage(ComposeRequest{
+    // The request, and the capture in it, is gone before the write, whose
+    // peak holds the page and stb's copy of it.
+    Canvas page = composePage(ComposeRequest{
         .width = size.width,
         .height = size.height,
         .background = background,
@@ -44,7 +44,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .layout = layout,
         .font = std::move(font),
     });
-    writePNG(page, out, true);
+    writePNG(std::move(page), out, true);
     printLine(standardizedPath(outText).string());
 }
 
