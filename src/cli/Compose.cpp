@@ -32,7 +32,9 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     // An empty --font is still a font path, and fails as one.
     std::shared_ptr<const Font> font = Font::discover(optionalValue(options, "--font"));
 
-    const ComposeRequest request{
+    // The request, and the capture in it, is gone before the write, whose
+    // peak holds the page and stb's copy of it.
+    Canvas page = composePage(ComposeRequest{
         .width = size.width,
         .height = size.height,
         .background = background,
@@ -41,8 +43,8 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .screenshot = std::move(screenshot),
         .layout = layout,
         .font = std::move(font),
-    };
-    writePNG(composePage(request), out, true);
+    });
+    writePNG(std::move(page), out, true);
     printLine(standardizedPath(outText).string());
 }
 

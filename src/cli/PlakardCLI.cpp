@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 
 #include "cli/StandardOutput.hpp"
 #include "platform/PlakardError.hpp"
@@ -65,6 +66,10 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
         dispatch(command, parsed);
     } catch (const PlakardError& error) {
         return reportFailure(error.description);
+    } catch (const std::bad_alloc&) {
+        // "std::bad_alloc" would tell a user nothing; the large allocations
+        // are all images, sized by the input and by --size.
+        return reportFailure("not enough memory for images this large");
     } catch (const std::exception& error) {
         return reportFailure(error.what());
     } catch (...) {

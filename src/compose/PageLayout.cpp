@@ -1,6 +1,7 @@
 #include "compose/PageLayout.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 
 #include "platform/PlakardError.hpp"
@@ -55,8 +56,14 @@ PagePlacement placePage(const PageMetrics& metrics, std::int64_t captureWidth, s
 
     const double bezel = metrics.bezel;
     const double screenWidth = metrics.phoneWidth - 2 * bezel;
-    const auto screenHeight = static_cast<double>(
-        roundToInt64(screenWidth * static_cast<double>(captureHeight) / static_cast<double>(captureWidth)));
+    const std::int64_t roundedScreenHeight =
+        roundToInt64(screenWidth * static_cast<double>(captureHeight) / static_cast<double>(captureWidth));
+    // The capture is resampled to the whole screen, and the resampler counts
+    // rows in an int: a capture narrow enough to need more cannot be drawn.
+    if (roundedScreenHeight > INT32_MAX)
+        throw PlakardError("screenshot of " + std::to_string(captureWidth) + "x" + std::to_string(captureHeight) +
+                           " pixels is too tall for its width to draw in the phone");
+    const auto screenHeight = static_cast<double>(roundedScreenHeight);
     const double phoneHeight = 2 * bezel + screenHeight;
 
     PagePlacement placement{};

@@ -47,6 +47,8 @@ struct PagePlacement {
 
 // Places the headline block (the lines' ink extents at their scales, top
 // first) and a phone showing a capture of captureWidth x captureHeight.
+// Throws "screenshot of WxH pixels is too tall ..." for a capture whose
+// screen would have more rows than the resampler can make.
 PagePlacement placePage(const PageMetrics& metrics, std::int64_t captureWidth, std::int64_t captureHeight,
                         Layout layout, std::span<const InkExtent> lineInks);
 

@@ -59,6 +59,8 @@ struct Canvas {
 // Encodes and writes atomically, creating missing parent folders. Encoding
 // happens first, so a failed encoding touches nothing on disk. Throws the
 // encoding error or "cannot write <full path>: <system's description>".
-void writePNG(const Canvas& canvas, const std::filesystem::path& destination, bool opaque);
+// Handed over with std::move, the canvas's own memory holds the flattened
+// pixels, which saves a copy of the image at the write's peak.
+void writePNG(Canvas canvas, const std::filesystem::path& destination, bool opaque);
 
 }  // namespace plakard

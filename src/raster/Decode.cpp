@@ -19,6 +19,26 @@ struct DecodedPixelsFree {
     void operator()(stbi_uc* pixels) const { stbi_image_free(pixels); }
 };
 
+// The decoder hands out 4-channel pixels in one buffer counted in an int, so
+// it can never return more than this many pixels. It checks that only against
+// the channels in the file, though: a grey image or a JPEG beyond it is
+// inflated in full (gigabytes, seconds) before the conversion to RGBA fails.
+constexpr std::int64_t largestDecodablePixelCount = (INT32_MAX - 1) / 4;
+
+// Whether the header declares more pixels than a decode could return. A
+// header the decoder cannot read is left for the decode itself to report.
+bool declaresTooManyPixels(const stbi_uc* bytes, int count) {
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    if (!stbi_info_from_memory(bytes, count, &width, &height, &channels)) return false;
+    return width > 0 && height > 0 && std::int64_t{width} * height > largestDecodablePixelCount;
+}
+
+PlakardError decodeFailure(const std::string& fileName, const char* reason) {
+    return PlakardError("cannot decode " + fileName + ": " + reason + " (PNG and JPEG only)");
+}
+
 }  // namespace
 
 Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
@@ -26,19 +46,21 @@ Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileN
     // other undecodable data), but never as a null pointer.
     static const stbi_uc nothing = 0;
     const stbi_uc* bytes = data.empty() ? &nothing : data.data();
+    const int count = toInt32(static_cast<std::int64_t>(data.size()));
+    // Refused before anything is allocated, in the decoder's own word.
+    if (declaresTooManyPixels(bytes, count)) throw decodeFailure(fileName, "too large");
     int width = 0;
     int height = 0;
     int channelsInFile = 0;
     clearDecoderFailureReason();
-    std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(stbi_load_from_memory(
-        bytes, toInt32(static_cast<std::int64_t>(data.size())), &width, &height, &channelsInFile, 4));
+    std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(
+        stbi_load_from_memory(bytes, count, &width, &height, &channelsInFile, 4));
     if (!decoded) {
         // The reason is global state of the decoder: read it right away. An
         // empty one (stb names an unknown chunk by its type, which is "" for
         // a file cut off right after a chunk) says as little as none.
         const char* reason = stbi_failure_reason();
-        throw PlakardError("cannot decode " + fileName + ": " + (reason && *reason ? reason : "unsupported image") +
-                           " (PNG and JPEG only)");
+        throw decodeFailure(fileName, reason && *reason ? reason : "unsupported image");
     }
     require(width >= 1 && height >= 1 && width <= INT64_MAX / 4 / height);
     const std::size_t byteCount = static_cast<std::size_t>(std::int64_t{width} * height * 4);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "platform/Require.hpp"
 #include "raster/Canvas.hpp"
@@ -19,7 +20,9 @@ Canvas Canvas::resized(std::int64_t targetWidth, std::int64_t targetHeight) cons
     const unsigned char* result =
         stbir_resize_uint8_srgb(pixels.data(), toInt32(width), toInt32(height), toInt32(width * 4),
                                 output.pixels.data(), outputWidth, outputHeight, outputStride, STBIR_RGBA);
-    require(result != nullptr);
+    // With every size checked above, the resizer fails only when it cannot
+    // allocate its working memory.
+    if (!result) throw std::bad_alloc();
     return output;
 }
 

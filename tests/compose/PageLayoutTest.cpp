@@ -156,5 +156,18 @@ TEST(PlacePage, ScreenTakesTheCaptureShape) {
     EXPECT_EQ(placePage(m, 8, 1, Layout::hero, {}).phoneHeight, 97 + 28);
 }
 
+TEST(PlacePage, RefusesAScreenTallerThanTheResamplerCanMake) {
+    // Screen 772 wide on this page: a capture of 772 x n needs exactly n rows.
+    const PageMetrics m = pageMetrics(1000, 2000);
+    EXPECT_EQ(placePage(m, 772, 2147483647, Layout::hero, {}).screenHeight, 2147483647);
+    try {
+        placePage(m, 772, 2147483648, Layout::deviceTop, {});
+        FAIL() << "no error";
+    } catch (const PlakardError& error) {
+        EXPECT_EQ(error.description,
+                  "screenshot of 772x2147483648 pixels is too tall for its width to draw in the phone");
+    }
+}
+
 }  // namespace
 }  // namespace plakard

@@ -1,11 +1,15 @@
 #include "e2e/Harness.hpp"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -73,9 +77,28 @@ void collect(int outFd, int errFd, std::string& out, std::string& err) {
     }
 }
 
+bool setLimit(int resource, std::optional<std::uint64_t> bytes) {
+    if (!bytes) return true;
+    const rlimit limit{*bytes, *bytes};
+    return setrlimit(resource, &limit) == 0;
+}
+
+// In the child, between fork and exec: only async-signal-safe calls.
+bool applyLimits(const RunSettings& settings) {
+    if (settings.fileSizeLimit && signal(SIGXFSZ, SIG_DFL) == SIG_ERR) return false;
+    if (!setLimit(RLIMIT_FSIZE, settings.fileSizeLimit) || !setLimit(RLIMIT_AS, settings.addressSpaceLimit)) {
+        return false;
+    }
+    if (settings.userAndGroup) {
+        const unsigned id = *settings.userAndGroup;
+        if (setgroups(0, nullptr) != 0 || setgid(id) != 0 || setuid(id) != 0) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
-RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings) {
+RunningPlakard::RunningPlakard(const std::vector<std::string>& arguments, const RunSettings& settings) {
     // Everything the child needs is built before fork: after it, only
     // async-signal-safe calls.
     std::vector<std::string> argvTexts = settings.launcher;
@@ -92,21 +115,43 @@ RunResult runPlakard(const std::vector<std::string>& arguments, const RunSetting
     if (child < 0) throw std::runtime_error("fork failed");
     if (child == 0) {
         const int nothing = open("/dev/null", O_RDONLY);
-        if (nothing < 0 || dup2(nothing, 0) < 0 || dup2(out.write, 1) < 0 || dup2(err.write, 2) < 0 ||
-            chdir(directory.c_str()) != 0) {
-            _exit(126);
+        if (nothing < 0 || dup2(nothing, 0) < 0 || dup2(out.write, 1) < 0 || dup2(err.write, 2) < 0) {
+            _exit(statusFolderFailed);
         }
+        if (!applyLimits(settings)) _exit(statusLimitsFailed);
+        if (chdir(directory.c_str()) != 0) _exit(statusFolderFailed);
         execve(argv[0], argv.data(), envp.data());
-        _exit(127);
+        _exit(statusExecFailed);
     }
     close(out.write);
     close(err.write);
+    pid_ = child;
+    out_ = out.read;
+    err_ = err.read;
+}
+
+RunningPlakard::~RunningPlakard() {
+    // A test that failed before waiting must not leave a process behind.
+    if (pid_ <= 0) return;
+    kill(SIGKILL);
+    try {
+        wait();
+    } catch (const std::exception&) {
+    }
+}
+
+void RunningPlakard::kill(int signal) const {
+    if (pid_ > 0) ::kill(pid_, signal);
+}
+
+RunResult RunningPlakard::wait() {
     RunResult result;
-    collect(out.read, err.read, result.out, result.err);
+    collect(out_, err_, result.out, result.err);
     int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
+    while (waitpid(pid_, &status, 0) < 0) {
         if (errno != EINTR) throw std::runtime_error("waitpid failed");
     }
+    pid_ = -1;
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return result;
 }
@@ -115,6 +160,24 @@ std::string shellQuoted(const std::string& word) {
     std::string quoted = "'";
     for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return quoted + "'";
+}
+
+RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings) {
+    return RunningPlakard(arguments, settings).wait();
+}
+
+bool sanitizedBuild() {
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    return true;
+#else
+    return false;
+#endif
+#else
+    return false;
+#endif
 }
 
 std::string commandLine(const std::vector<std::string>& arguments) {
@@ -131,6 +194,13 @@ std::string readBytes(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+std::vector<std::string> folderEntries(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 std::optional<PNGHeader> pngHeader(const std::filesystem::path& path) {
     const std::string bytes = readBytes(path);
     if (bytes.size() < 33 || bytes.compare(0, 8, "\x89PNG\r\n\x1a\n") != 0 || bytes.compare(12, 4, "IHDR") != 0) {
@@ -145,6 +215,14 @@ void EndToEnd::provide(const std::string& dataName, const std::string& name) con
     const std::filesystem::path destination = temp_.path() / name;
     std::filesystem::create_directories(destination.parent_path());
     std::filesystem::copy_file(dataPath(dataName), destination, std::filesystem::copy_options::overwrite_existing);
+}
+
+void EndToEnd::provideBytes(const std::string& name, const std::string& bytes) const {
+    const std::filesystem::path destination = temp_.path() / name;
+    std::filesystem::create_directories(destination.parent_path());
+    std::ofstream file(destination, std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!file.flush()) throw std::runtime_error("cannot write " + destination.string());
 }
 
 void EndToEnd::expectRun(const std::vector<std::string>& arguments, const RunResult& result, int status,

@@ -31,18 +31,56 @@ struct RunSettings {
     // Words before the program that start it, such as a command that runs it
     // in a private mount namespace; the first is an absolute path.
     std::vector<std::string> launcher{};
+    // Limits set in the child before it starts plakard: the largest file it
+    // may write (RLIMIT_FSIZE; SIGXFSZ is left at its default) and its address
+    // space (RLIMIT_AS), in bytes.
+    std::optional<std::uint64_t> fileSizeLimit{};
+    std::optional<std::uint64_t> addressSpaceLimit{};
+    // Run as this user and group (the test must be root to switch).
+    std::optional<unsigned> userAndGroup{};
 };
 
-// Runs the launcher, if any, then `executable` with `arguments`.
+// Exit statuses of a child that never became plakard: it could not set its
+// limits or user, enter the working folder, or start the binary.
+constexpr int statusLimitsFailed = 125;
+constexpr int statusFolderFailed = 126;
+constexpr int statusExecFailed = 127;
+
+// A plakard that runs while the test goes on; wait() reaps it.
+class RunningPlakard {
+public:
+    RunningPlakard(const std::vector<std::string>& arguments, const RunSettings& settings);
+    ~RunningPlakard();
+    RunningPlakard(const RunningPlakard&) = delete;
+    RunningPlakard& operator=(const RunningPlakard&) = delete;
+
+    void kill(int signal) const;
+    // Collects both streams to their end and the exit status.
+    RunResult wait();
+
+private:
+    int pid_ = -1;
+    int out_ = -1;
+    int err_ = -1;
+};
+
+// Runs the launcher, if any, then `executable` with `arguments` to its end.
 RunResult runPlakard(const std::vector<std::string>& arguments, const RunSettings& settings);
 
 // A word quoted for the shell, between apostrophes.
 std::string shellQuoted(const std::string& word);
 
+// Whether the tests (and so the binary) are built with AddressSanitizer,
+// which reserves far more address space than any limit a test would set.
+bool sanitizedBuild();
+
 // A shell-like rendering of the command line for failure messages.
 std::string commandLine(const std::vector<std::string>& arguments);
 
 std::string readBytes(const std::filesystem::path& path);
+
+// The names in a folder, sorted.
+std::vector<std::string> folderEntries(const std::filesystem::path& folder);
 
 // The fields of a PNG's header that callers care about.
 struct PNGHeader {
@@ -60,7 +98,9 @@ protected:
 
     RunResult run(const std::vector<std::string>& arguments,
                   std::map<std::string, std::optional<std::string>> environment = {}) const {
-        return runWith({.environment = std::move(environment)}, arguments);
+        RunSettings here = settings();
+        here.environment = std::move(environment);
+        return runPlakard(arguments, here);
     }
 
     // As run, with the program, its launcher and environment from `settings`.
@@ -68,6 +108,16 @@ protected:
         settings.workingDirectory = temp_.path();
         return runPlakard(arguments, settings);
     }
+
+    // Settings for a run in the test's folder, to add limits to.
+    RunSettings settings() const {
+        RunSettings here;
+        here.workingDirectory = temp_.path();
+        return here;
+    }
+
+    // Writes `bytes` into the run folder under `name`.
+    void provideBytes(const std::string& name, const std::string& bytes) const;
 
     // Copies a committed input into the run folder under `name`.
     void provide(const std::string& dataName, const std::string& name) const;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -118,6 +119,20 @@ TEST(PNGData, OpaqueOutputIsRGBFlattenedOverBlack) {
     for (std::size_t i = 0; i < rgb.size() / 3; ++i) {
         const RGBA expected{rgb[i * 3], rgb[i * 3 + 1], rgb[i * 3 + 2], 255};
         EXPECT_EQ(decoded.colour(static_cast<std::int64_t>(i) % 5, static_cast<std::int64_t>(i) / 5), expected);
+    }
+}
+
+TEST(WritePNG, WritesExactlyThePNGDataOfTheCanvas) {
+    // The write flattens inside the canvas it was handed; pngData flattens
+    // into a buffer of its own. Random pixels cover every alpha.
+    test::TempDir dir;
+    std::mt19937 random(7);
+    Canvas canvas(61, 37, RGBA{0, 0, 0, 0});
+    for (std::uint8_t& byte : canvas.pixels) byte = static_cast<std::uint8_t>(random());
+    for (const bool opaque : {true, false}) {
+        writePNG(canvas, dir / "out.png", opaque);
+        const std::string bytes = textOf(dir / "out.png");
+        EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.end()), canvas.pngData(opaque)) << opaque;
     }
 }
 
