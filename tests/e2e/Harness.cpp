@@ -7,11 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 extern char** environ;
@@ -189,18 +187,6 @@ std::string commandLine(const std::vector<std::string>& arguments) {
     return line;
 }
 
-std::string readBytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-std::vector<std::string> folderEntries(const std::filesystem::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 std::optional<PNGHeader> pngHeader(const std::filesystem::path& path) {
     const std::string bytes = readBytes(path);
     if (bytes.size() < 33 || bytes.compare(0, 8, "\x89PNG\r\n\x1a\n") != 0 || bytes.compare(12, 4, "IHDR") != 0) {
@@ -220,9 +206,7 @@ void EndToEnd::provide(const std::string& dataName, const std::string& name) con
 void EndToEnd::provideBytes(const std::string& name, const std::string& bytes) const {
     const std::filesystem::path destination = temp_.path() / name;
     std::filesystem::create_directories(destination.parent_path());
-    std::ofstream file(destination, std::ios::binary | std::ios::trunc);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!file.flush()) throw std::runtime_error("cannot write " + destination.string());
+    writeText(destination, bytes);
 }
 
 void EndToEnd::expectRun(const std::vector<std::string>& arguments, const RunResult& result, int status,

@@ -77,11 +77,6 @@ bool sanitizedBuild();
 // A shell-like rendering of the command line for failure messages.
 std::string commandLine(const std::vector<std::string>& arguments);
 
-std::string readBytes(const std::filesystem::path& path);
-
-// The names in a folder, sorted.
-std::vector<std::string> folderEntries(const std::filesystem::path& folder);
-
 // The fields of a PNG's header that callers care about.
 struct PNGHeader {
     std::uint32_t width = 0;

@@ -2,9 +2,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <algorithm>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,27 +15,11 @@ using Bytes = std::vector<std::uint8_t>;
 
 Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
-void writeText(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string textOf(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-std::vector<std::string> entries(const std::filesystem::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 TEST(ReadFile, ReadsEveryByte) {
     test::TempDir dir;
     std::string binary("\x89PNG\r\n\x1a\n\0\xff", 10);
     for (const std::string& contents : {std::string(), std::string("x"), binary, std::string(100000, 'q')}) {
-        writeText(dir / "f", contents);
+        test::writeText(dir / "f", contents);
         FileRead read = readFile(dir / "f");
         EXPECT_TRUE(read.ok()) << read.error;
         EXPECT_EQ(read.bytes, bytesOf(contents));
@@ -54,7 +35,7 @@ TEST(ReadFile, ReadsToTheEndWhenTheSizeIsUnknown) {
 
 TEST(ReadFile, DescribesFailuresInTheSystemsWords) {
     test::TempDir dir;
-    writeText(dir / "file", "x");
+    test::writeText(dir / "file", "x");
     const struct {
         std::filesystem::path path;
         const char* error;
@@ -75,14 +56,14 @@ TEST(ReadFile, DescribesFailuresInTheSystemsWords) {
 TEST(ReadFileDeathTest, AFileTooBigForTheDecodersStopsTheProgram) {
     test::TempDir dir;
     // Sparse: 2^31 bytes that take no room, refused before anything is read.
-    writeText(dir / "huge", "");
+    test::writeText(dir / "huge", "");
     std::filesystem::resize_file(dir / "huge", std::uintmax_t{1} << 31);
     EXPECT_DEATH(readFile(dir / "huge"), "");
 }
 
 TEST(FileExists, SeesAnyEntry) {
     test::TempDir dir;
-    writeText(dir / "file", "x");
+    test::writeText(dir / "file", "x");
     std::filesystem::create_symlink(dir / "nowhere", dir / "dangling");
     EXPECT_TRUE(fileExists(dir / "file"));
     EXPECT_TRUE(fileExists(dir.path()));
@@ -97,25 +78,18 @@ TEST(CreateDirectories, MakesMissingParentsAndIgnoresFailure) {
     createDirectories(dir / "a" / "b" / "c");
     EXPECT_TRUE(std::filesystem::is_directory(dir / "a" / "b" / "c"));
     createDirectories(dir / "a" / "b");  // already there
-    writeText(dir / "file", "x");
+    test::writeText(dir / "file", "x");
     createDirectories(dir / "file" / "sub");  // cannot be made; nothing thrown
-    EXPECT_EQ(textOf(dir / "file"), "x");
+    EXPECT_EQ(test::readBytes(dir / "file"), "x");
 }
 
-TEST(WriteFileAtomically, WritesANewFile) {
+TEST(WriteFileAtomically, WritesANewFileOrReplacesTheOldOneWhole) {
     test::TempDir dir;
-    Bytes bytes = bytesOf(std::string(70000, 'z') + "end");
-    EXPECT_EQ(writeFileAtomically(dir / "out.png", bytes), "");
-    EXPECT_EQ(textOf(dir / "out.png"), std::string(bytes.begin(), bytes.end()));
-    EXPECT_EQ(entries(dir.path()), std::vector<std::string>{"out.png"});
-}
-
-TEST(WriteFileAtomically, ReplacesAnExistingFileWhole) {
-    test::TempDir dir;
-    writeText(dir / "out.png", "a much longer old content");
-    EXPECT_EQ(writeFileAtomically(dir / "out.png", bytesOf("new")), "");
-    EXPECT_EQ(textOf(dir / "out.png"), "new");
-    EXPECT_EQ(entries(dir.path()), std::vector<std::string>{"out.png"});
+    for (const std::string& contents : {std::string(70000, 'z') + "end", std::string("new")}) {
+        EXPECT_EQ(writeFileAtomically(dir / "out.png", bytesOf(contents)), "");
+        EXPECT_EQ(test::readBytes(dir / "out.png"), contents);
+        EXPECT_EQ(test::folderEntries(dir.path()), std::vector<std::string>{"out.png"});
+    }
 }
 
 TEST(WriteFileAtomically, GivesTheNewFilePermissionsByUmask) {
@@ -135,14 +109,14 @@ TEST(WriteFileAtomically, HandlesTheLongestFileName) {
     test::TempDir dir;
     const std::string name(255, 'n');
     EXPECT_EQ(writeFileAtomically(dir / name, bytesOf("x")), "");
-    EXPECT_EQ(entries(dir.path()), std::vector<std::string>{name});
+    EXPECT_EQ(test::folderEntries(dir.path()), std::vector<std::string>{name});
 }
 
 TEST(WriteFileAtomically, FailsLeavingNothingBehind) {
     test::TempDir dir;
-    writeText(dir / "file", "keep");
+    test::writeText(dir / "file", "keep");
     std::filesystem::create_directory(dir / "folder");
-    writeText(dir / "folder" / "inside", "keep too");
+    test::writeText(dir / "folder" / "inside", "keep too");
     const struct {
         std::filesystem::path destination;
         const char* error;
@@ -153,10 +127,10 @@ TEST(WriteFileAtomically, FailsLeavingNothingBehind) {
     };
     for (const auto& c : cases) {
         EXPECT_EQ(writeFileAtomically(c.destination, bytesOf("new")), c.error) << c.destination;
-        EXPECT_EQ(entries(dir.path()), (std::vector<std::string>{"file", "folder"}));
-        EXPECT_EQ(entries(dir / "folder"), std::vector<std::string>{"inside"});
-        EXPECT_EQ(textOf(dir / "file"), "keep");
-        EXPECT_EQ(textOf(dir / "folder" / "inside"), "keep too");
+        EXPECT_EQ(test::folderEntries(dir.path()), (std::vector<std::string>{"file", "folder"}));
+        EXPECT_EQ(test::folderEntries(dir / "folder"), std::vector<std::string>{"inside"});
+        EXPECT_EQ(test::readBytes(dir / "file"), "keep");
+        EXPECT_EQ(test::readBytes(dir / "folder" / "inside"), "keep too");
     }
 }
 

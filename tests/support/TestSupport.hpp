@@ -3,11 +3,20 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace plakard::test {
 
 // Folder of committed test inputs.
 std::filesystem::path dataPath(const std::string& name);
+
+// A whole file's bytes ("" when it cannot be read), and a file written whole.
+std::string readBytes(const std::filesystem::path& path);
+void writeText(const std::filesystem::path& path, std::string_view bytes);
+
+// The names in a folder, sorted.
+std::vector<std::string> folderEntries(const std::filesystem::path& folder);
 
 // A fresh empty folder, removed when the object goes.
 class TempDir {
