@@ -9,22 +9,6 @@
 namespace plakard {
 namespace {
 
-TEST(Canvas, FillWritesTheColourIntoEveryPixel) {
-    EXPECT_EQ(Canvas(1, 1, RGBA{10, 20, 30, 40}).pixels, (std::vector<std::uint8_t>{10, 20, 30, 40}));
-    const Canvas filled(3, 2, RGBA{1, 2, 3, 4});
-    ASSERT_EQ(filled.pixels.size(), 24u);
-    for (std::size_t i = 0; i < filled.pixels.size(); ++i) EXPECT_EQ(filled.pixels[i], i % 4 + 1) << i;
-    const Canvas clear(5, 7, RGBA{0, 0, 0, 0});
-    EXPECT_EQ(clear.pixels, std::vector<std::uint8_t>(5 * 7 * 4, 0));
-}
-
-TEST(Canvas, PixelAddressesAreRowMajor) {
-    Canvas canvas(4, 3, RGBA{0, 0, 0, 0});
-    canvas.pixel(3, 1)[2] = 99;
-    EXPECT_EQ(canvas.pixels[(1 * 4 + 3) * 4 + 2], 99);
-    EXPECT_EQ(canvas.colour(3, 1), (RGBA{0, 0, 99, 0}));
-}
-
 TEST(CanvasDeathTest, BrokenSizesStopTheProgram) {
     constexpr std::int64_t big = std::numeric_limits<std::int64_t>::max() / 2;
     EXPECT_DEATH(Canvas(0, 1, RGBA{}), "");

@@ -37,10 +37,5 @@ TEST(RGBAHex, RefusesAnythingElseQuotingTheInputAsGiven) {
     }
 }
 
-TEST(RGBA, EqualityComparesEveryField) {
-    EXPECT_TRUE((RGBA{1, 2, 3, 4} == RGBA{1, 2, 3, 4}));
-    EXPECT_FALSE((RGBA{1, 2, 3, 4} == RGBA{1, 2, 3, 5}));
-}
-
 }  // namespace
 }  // namespace plakard

@@ -123,16 +123,6 @@ TEST(Fitted, OnePixelGoesToAnySize) {
         }
 }
 
-TEST(Resized, StretchesToExactlyTheSize) {
-    const Canvas source = coded(64, 48);
-    for (const auto& size : {std::pair{17, 91}, std::pair{640, 3}, std::pair{1, 1}}) {
-        const Canvas stretched = source.fitted(size.first, size.second, Fit::stretch);
-        EXPECT_EQ(stretched.width, size.first);
-        EXPECT_EQ(stretched.height, size.second);
-        EXPECT_EQ(stretched, source.resized(size.first, size.second));
-    }
-}
-
 TEST(Resized, KeepsFlatColourAndHiddenColourOut) {
     // Left half opaque red, right half transparent green: weighted by alpha,
     // the green never shows, in either direction of scaling.
