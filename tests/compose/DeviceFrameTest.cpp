@@ -9,8 +9,6 @@
 namespace plakard {
 namespace {
 
-using test::describe;
-
 TEST(DeviceGeometry, PhoneOfTheStorePage) {
     // A 1290-wide page gives the phone w = 1032 and b = 19.
     const DeviceGeometry d = deviceGeometry(129, 600, 1032, 2192, 19);
@@ -43,42 +41,6 @@ Canvas drawnPhone(const Canvas& capture) {
     Canvas canvas(200, 400, page);
     drawDevice(canvas, capture, 20, 30, 160, 300, 6);
     return canvas;
-}
-
-struct Probe {
-    const char* what;
-    std::int64_t x, y;
-    RGBA expected;
-};
-
-TEST(DrawDevice, PartsLandWhereTheyBelong) {
-    const Canvas canvas = drawnPhone(Canvas(148, 288, red));
-    const Probe probes[] = {
-        {"page above the shadow", 100, 5, page},
-        {"page below the shadow", 100, 380, page},
-        {"bezel left", 22, 200, body},
-        {"bezel top", 100, 32, body},
-        {"bezel bottom", 100, 327, body},
-        {"screen middle", 100, 200, red},
-        {"screen just inside the bezel", 26, 200, red},
-        {"pill middle", 100, 47, RGBA{0, 0, 0, 255}},
-        {"screen beside the pill", 60, 47, red},
-    };
-    for (const Probe& p : probes)
-        EXPECT_EQ(canvas.colour(p.x, p.y), p.expected) << p.what << ": " << describe(canvas.colour(p.x, p.y));
-    // The body's corner is rounded off: its bounding corner shows the page
-    // (under the shadow's faint edge), not the body.
-    EXPECT_GT(canvas.colour(20, 30).b, 200) << describe(canvas.colour(20, 30));
-}
-
-TEST(DrawDevice, ShadowDarkensThePageBelowThePhone) {
-    const Canvas canvas = drawnPhone(Canvas(148, 288, red));
-    for (std::int64_t y : {332, 340, 350}) {
-        const RGBA c = canvas.colour(100, y);
-        EXPECT_TRUE(c.r < page.r && c.g < page.g && c.b < page.b && c.a == 255) << y << ": " << describe(c);
-    }
-    // Fading out downwards.
-    EXPECT_LT(canvas.colour(100, 335).b, canvas.colour(100, 355).b);
 }
 
 TEST(DrawDevice, TransparentCapturePixelsShowTheBody) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
@@ -38,22 +37,6 @@ std::string thrownBy(const ComposeRequest& request) {
     return "nothing thrown";
 }
 
-std::string legibilityMessage(const std::string& line, std::int64_t suggestion) {
-    return "headline line '" + line +
-           "' is too long to set inside the centre 70% and stay legible at thumbnail size; shorten it to about " +
-           std::to_string(suggestion) + " characters or fewer";
-}
-
-TEST(ComposePage, RefusesALineTooLongToStayLegible) {
-    const std::string line = "A HEADLINE FAR TOO LONG FOR ONE LINE OF A PHONE SCREENSHOT";
-    // 58 characters; the size it would need, and the count that would reach
-    // the floor of 0.045 W at the same average width.
-    const double size = 0.7 * 260 / inter()->advanceUnits(line) * inter()->unitsPerEm;
-    ASSERT_LT(size, 0.045 * 260);
-    const auto suggestion = static_cast<std::int64_t>(std::round(58 * size / (0.045 * 260)));
-    EXPECT_EQ(thrownBy(smallRequest({"SHORT", line}, Layout::hero)), legibilityMessage(line, suggestion));
-}
-
 std::string missingGlyphMessage(const std::string& line) {
     try {
         inter()->advanceUnits(line);
@@ -61,11 +44,6 @@ std::string missingGlyphMessage(const std::string& line) {
         return error.description;
     }
     return "the face covers " + line;
-}
-
-TEST(ComposePage, PassesTheFontsMissingGlyphErrorOn) {
-    const std::string line = "HI \xF0\x9F\x98\x80";  // U+1F600, which Inter lacks
-    EXPECT_EQ(thrownBy(smallRequest({"HELLO", line}, Layout::hero)), missingGlyphMessage(line));
 }
 
 TEST(ComposePage, ReportsTheFirstFailingLineInHeadlineOrder) {
