@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/PlakardError.hpp"
+#include "raster/Blend.hpp"
 #include "raster/Canvas.hpp"
 #include "type/Font.hpp"
 #include "type/TestFonts.hpp"
@@ -53,19 +54,12 @@ Glyph rasterised(const Font& font, int c, double scale) {
     return glyph;
 }
 
-// Source-over with straight alpha, written out from its definition.
+// The one-pixel blend, checked by hand in the raster tests, as the reference
+// for the glyph drawing's faster path.
 RGBA blended(RGBA below, RGBA colour, double coverage) {
-    const double a = colour.a / 255.0 * coverage;
-    if (!(a > 0)) return below;
-    const double d = below.a / 255.0;
-    const double k = 1 - a;
-    const double out = a + k * d;
-    if (!(out > 0)) return below;
-    auto channel = [&](double source, double destination) {
-        return static_cast<std::uint8_t>(std::clamp(std::round((a * source + k * d * destination) / out), 0.0, 255.0));
-    };
-    return {channel(colour.r, below.r), channel(colour.g, below.g), channel(colour.b, below.b),
-            static_cast<std::uint8_t>(std::min(std::round(out * 255), 255.0))};
+    Canvas pixel(1, 1, below);
+    blendPixel(pixel, 0, 0, colour, coverage);
+    return pixel.colour(0, 0);
 }
 
 std::string glyphFailure(const Font& font, const std::string& text) {
@@ -107,8 +101,6 @@ TEST(AdvanceUnits, NamesTheFirstCharacterTheFaceCannotShow) {
          "opens___.ttf has no glyph for 'é' (U+E9); pass --font with a face that covers this headline"},
         {faces().openSymbol.get(), "\u00A0",
          "opens___.ttf has no glyph for '\u00A0' (U+A0); pass --font with a face that covers this headline"},
-        {faces().inter.get(), "GOOD 😀 DAY",
-         "Inter-Black.otf has no glyph for '😀' (U+1F600); pass --font with a face that covers this headline"},
         {faces().inter.get(), "\U000E0041",
          "Inter-Black.otf has no glyph for '\U000E0041' (U+E0041); pass --font with a face that covers this "
          "headline"},
@@ -145,60 +137,35 @@ TEST(InkExtent, FallsBackToTheLineBoxWhenThereIsNoInk) {
     }
 }
 
-// A glyph drawn alone must be stb's bitmap blended pixel by pixel at its place.
-void expectGlyphBlended(const Font& font, RGBA background, RGBA colour) {
-    const double scale = 90.0 / font.unitsPerEm;
-    const double x = 7.3;
-    const double baseline = 80.0;
-    Canvas canvas(120, 110, background);
-    font.drawLine("A", canvas, colour, x, baseline, scale);
-
-    const Glyph glyph = rasterised(font, 'A', scale);
-    ASSERT_NE(std::count(glyph.coverage.begin(), glyph.coverage.end(), 255), 0);
-    ASSERT_NE(std::count_if(glyph.coverage.begin(), glyph.coverage.end(), [](int v) { return v > 0 && v < 255; }),
-              0);
-    const int left = 7 + glyph.xOffset;
-    const int top = 80 + glyph.yOffset;
-    for (int y = 0; y < canvas.height; ++y) {
-        for (int px = 0; px < canvas.width; ++px) {
-            const int i = y - top;
-            const int j = px - left;
-            const bool inside = i >= 0 && i < glyph.height && j >= 0 && j < glyph.width;
-            const double v = inside ? glyph.coverage[static_cast<std::size_t>(i * glyph.width + j)] / 255.0 : 0.0;
-            ASSERT_EQ(canvas.colour(px, y), blended(background, colour, v)) << px << "," << y;
-            if (v == 1.0 && colour.a == 255 && background.a == 255) {
-                ASSERT_EQ(canvas.colour(px, y), colour);
+TEST(DrawLine, BlendsTheGlyphBitmapPixelByPixelAtItsPlace) {
+    // Opaque, transparent and translucent canvases, opaque and translucent colours.
+    const struct {
+        const Font* font;
+        RGBA background, colour;
+    } cases[] = {
+        {faces().inter.get(), {20, 40, 60, 255}, {250, 200, 10, 255}},
+        {faces().dejaVu.get(), {20, 40, 60, 255}, {250, 200, 10, 140}},
+        {faces().inter.get(), {0, 0, 0, 0}, {250, 200, 10, 255}},
+        {faces().dejaVu.get(), {90, 90, 90, 0}, {250, 200, 10, 99}},
+        {faces().inter.get(), {90, 60, 30, 77}, {250, 200, 10, 255}},
+    };
+    for (const auto& c : cases) {
+        const Font& font = *c.font;
+        const double scale = 90.0 / font.unitsPerEm;
+        Canvas canvas(120, 110, c.background);
+        font.drawLine("A", canvas, c.colour, 7.3, 80.0, scale);
+        const Glyph glyph = rasterised(font, 'A', scale);
+        ASSERT_NE(std::count(glyph.coverage.begin(), glyph.coverage.end(), 255), 0);
+        const int left = 7 + glyph.xOffset;
+        const int top = 80 + glyph.yOffset;
+        for (int y = 0; y < canvas.height; ++y)
+            for (int x = 0; x < canvas.width; ++x) {
+                const int i = y - top, j = x - left;
+                const bool inside = i >= 0 && i < glyph.height && j >= 0 && j < glyph.width;
+                const double v = inside ? glyph.coverage[static_cast<std::size_t>(i * glyph.width + j)] / 255.0 : 0.0;
+                ASSERT_EQ(canvas.colour(x, y), blended(c.background, c.colour, v)) << x << "," << y;
             }
-        }
     }
-}
-
-TEST(DrawLine, BlendsTheGlyphBitmapOntoAnOpaqueCanvas) {
-    expectGlyphBlended(*faces().inter, {20, 40, 60, 255}, {250, 200, 10, 255});
-    expectGlyphBlended(*faces().dejaVu, {20, 40, 60, 255}, {250, 200, 10, 140});
-}
-
-TEST(DrawLine, WritesTheColourAtCoverageOpacityOntoATransparentCanvas) {
-    expectGlyphBlended(*faces().inter, {0, 0, 0, 0}, {250, 200, 10, 255});
-    expectGlyphBlended(*faces().dejaVu, {90, 90, 90, 0}, {250, 200, 10, 99});
-}
-
-TEST(DrawLine, FullyCoveredPixelsOfAnOpaqueColourTakeItOverATranslucentCanvas) {
-    const Font& font = *faces().inter;
-    const double scale = 60.0 / font.unitsPerEm;
-    const RGBA colour{250, 200, 10, 255};
-    Canvas canvas(80, 80, RGBA{90, 60, 30, 77});
-    font.drawLine("W", canvas, colour, 4.0, 60.0, scale);
-    const Glyph glyph = rasterised(font, 'W', scale);
-    int full = 0;
-    for (int i = 0; i < glyph.height; ++i) {
-        for (int j = 0; j < glyph.width; ++j) {
-            if (glyph.coverage[static_cast<std::size_t>(i * glyph.width + j)] != 255) continue;
-            ++full;
-            ASSERT_EQ(canvas.colour(4 + glyph.xOffset + j, 60 + glyph.yOffset + i), colour);
-        }
-    }
-    EXPECT_GT(full, 100);
 }
 
 TEST(DrawLine, ClipsAtEveryEdgeExactlyAsTheUnclippedDrawingLooks) {
@@ -234,12 +201,12 @@ Canvas drawn(const Font& font, const std::string& text, double x, double baselin
 
 TEST(DrawLine, RoundsHalfPixelPositionsAwayFromZero) {
     const Font& font = *faces().dejaVu;
-    EXPECT_EQ(drawn(font, "A", 2.5, 20.0), drawn(font, "A", 3.0, 20.0));
-    EXPECT_EQ(drawn(font, "A", 2.4999, 20.0), drawn(font, "A", 2.0, 20.0));
-    EXPECT_EQ(drawn(font, "A", -2.5, 20.0), drawn(font, "A", -3.0, 20.0));
+    const struct {
+        double x, baseline, sameAsX, sameAsBaseline;
+    } cases[] = {{2.5, 20, 3, 20}, {2.4999, 20, 2, 20}, {-2.5, 20, -3, 20}, {10, 20.5, 10, 21}, {10, 19.5, 10, 20}};
+    for (const auto& c : cases)
+        EXPECT_EQ(drawn(font, "A", c.x, c.baseline), drawn(font, "A", c.sameAsX, c.sameAsBaseline)) << c.x << "," << c.baseline;
     EXPECT_NE(drawn(font, "A", -2.5, 20.0), drawn(font, "A", -2.0, 20.0));
-    EXPECT_EQ(drawn(font, "A", 10.0, 20.5), drawn(font, "A", 10.0, 21.0));
-    EXPECT_EQ(drawn(font, "A", 10.0, 19.5), drawn(font, "A", 10.0, 20.0));
 }
 
 TEST(DrawLine, MovesThePenByScaledAdvancesAndKerningRoundingEachGlyphAfresh) {
