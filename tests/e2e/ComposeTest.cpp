@@ -39,10 +39,7 @@ TEST_F(ComposeTest, ReportsTheFirstMissingOptionInOrder) {
 TEST_F(ComposeTest, ValidatesInOrderSizeHeadlineColoursCaptureLayoutFont) {
     expectFailure({"compose", "--size", "12", "--headline", "|"},
                   "--size must be WxH in pixels up to 20000 a side, for example 1284x2778 (got '12')");
-    for (const std::string headline : {"|", "   ", " | ", "||", "", "\t|\xC2\xA0"}) {
-        expectFailure({"compose", "--size", "10x10", "--headline", headline},
-                      "--headline is empty; pass lines separated by '|'");
-    }
+    expectFailure({"compose", "--size", "10x10", "--headline", " | "}, "--headline is empty; pass lines separated by '|'");
     // A bad background before a missing capture; a bad foreground likewise.
     expectFailure({"compose", "--size", "10x10", "--headline", "A", "--out", "o.png", "--bg", "red"},
                   "'red' is not a #RRGGBB colour");
@@ -56,14 +53,6 @@ TEST_F(ComposeTest, ValidatesInOrderSizeHeadlineColoursCaptureLayoutFont) {
     expectFailure(complete({"--layout", "Hero", "--font", "missing.ttf"}), "--layout must be one of hero, device-top");
     expectFailure(complete({"--font", "missing.ttf"}), "font not found: missing.ttf");
     EXPECT_FALSE(std::filesystem::exists(folder() / "final"));
-}
-
-TEST_F(ComposeTest, OnlyAnAbsentFontOptionLeavesTheChoiceToTheEnvironment) {
-    const std::map<std::string, std::optional<std::string>> environment{{"PLAKARD_FONT", "env.ttf"}};
-    expectFailure(complete(), "font not found: env.ttf (from PLAKARD_FONT)", environment);
-    expectFailure(complete({"--font", "flag.ttf"}), "font not found: flag.ttf", environment);
-    // An empty --font is a font path like any other.
-    expectFailure(complete({"--font="}), "font not found: ", environment);
 }
 
 TEST_F(ComposeTest, WritesTheExactSizeAndPrintsTheAbsolutePath) {
@@ -89,8 +78,9 @@ TEST_F(ComposeTest, DefaultsAreWhiteAndHero) {
 }
 
 TEST_F(ComposeTest, TheHeadlineIsUpperCasedBeforeDrawing) {
-    ASSERT_EQ(run(complete({"--headline", " track | every sub ", "--out", "lower.png"})).status, 0);
-    ASSERT_EQ(run(complete({"--headline", "TRACK||EVERY SUB|", "--out", "upper.png"})).status, 0);
+    // Full case mapping may lengthen a line: "ß" becomes "SS".
+    ASSERT_EQ(run(complete({"--headline", " straße | every sub ", "--out", "lower.png"})).status, 0);
+    ASSERT_EQ(run(complete({"--headline", "STRASSE||EVERY SUB|", "--out", "upper.png"})).status, 0);
     EXPECT_EQ(readBytes(folder() / "lower.png"), readBytes(folder() / "upper.png"));
 }
 
@@ -115,11 +105,6 @@ TEST_F(ComposeTest, PrintsTheStandardizedOutputPathWithoutResolvingLinks) {
         EXPECT_TRUE(std::filesystem::exists(printed)) << printed;
     }
     EXPECT_TRUE(std::filesystem::exists(folder() / "real/c.png"));
-}
-
-TEST_F(ComposeTest, AHeadlineThatGrowsWhenUpperCasedComposes) {
-    const std::vector<std::string> arguments = complete({"--headline", "straße"});
-    expectRun(arguments, run(arguments), 0, (folder() / "final/01.png").string() + "\n", "");
 }
 
 TEST_F(ComposeTest, ALineTooLongToReadSuggestsALengthAndLeavesTheOutputAlone) {
