@@ -1,74 +1,70 @@
 #include "type/FontTables.hpp"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
+#include <utility>
+#include <vector>
+
+#include <stb_truetype.h>
+
+#include "type/CompactFontTables.hpp"
+#include "type/TableReader.hpp"
 
 namespace plakard {
 
 namespace {
 
-struct Table {
-    std::uint64_t offset = 0;
-    std::uint64_t length = 0;
-    bool present = false;
-};
-
-// Reads big-endian numbers from tables; a read or a check outside the table
-// marks the font bad for good and reads as 0, so a walk can go on without
-// testing every step and is judged once at the end.
-class Reader {
-public:
-    Reader(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
-
-    bool ok() const { return ok_; }
-    void fail() { ok_ = false; }
-
-    // The table as stb finds it: the first directory entry with the tag; an
-    // entry with offset 0 counts as missing, as it does for stb.
-    Table table(int fontStart, const char* tag) {
-        const std::uint64_t directory = static_cast<std::uint64_t>(fontStart);
-        const std::uint32_t count = read16(directory + 4);
-        for (std::uint32_t i = 0; i < count; ++i) {
-            const std::uint64_t record = directory + 12 + 16 * std::uint64_t{i};
-            if (std::memcmp(data_ + record, tag, 4) != 0) continue;
-            Table found{read32(record + 8), read32(record + 12), true};
-            if (found.offset == 0) return {};
-            if (found.offset + found.length > size_) fail();
-            return found;
+// The largest glyph id a format 4 subtable gives: stb adds the delta to the
+// code point, or takes the glyph-id array's entry as it stands. Segments may
+// share array entries, so each entry is read once, whatever the overlaps.
+std::uint64_t largestSegmentGlyph(Reader& r, const Table& cmap, std::uint64_t subtable) {
+    const std::uint64_t segments = r.u16(cmap, subtable + 6) >> 1;
+    const std::uint64_t ends = subtable + 14;
+    const std::uint64_t starts = ends + 2 * segments + 2;
+    const std::uint64_t deltas = starts + 2 * segments;
+    const std::uint64_t rangeOffsets = deltas + 2 * segments;
+    std::uint64_t largest = 0;
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> arrays;  // first and last entry's offset
+    for (std::uint64_t i = 0; i < segments; ++i) {
+        const std::uint32_t end = r.u16(cmap, ends + 2 * i);
+        const std::uint32_t start = r.u16(cmap, starts + 2 * i);
+        if (start > end) continue;
+        const std::uint32_t rangeOffset = r.u16(cmap, rangeOffsets + 2 * i);
+        if (rangeOffset != 0) {
+            const std::uint64_t first = rangeOffsets + 2 * i + rangeOffset;
+            arrays.emplace_back(first, first + 2 * std::uint64_t{end - start});
+            continue;
         }
-        return {};
+        const std::uint32_t delta = r.u16(cmap, deltas + 2 * i);
+        const std::uint32_t low = start + delta;
+        const std::uint32_t high = end + delta;
+        largest = std::max<std::uint64_t>(largest, (low >> 16) != (high >> 16) ? 0xFFFF : high & 0xFFFF);
     }
-
-    bool need(const Table& table, std::uint64_t at, std::uint64_t count) {
-        if (at > table.length || count > table.length - at) fail();
-        return ok_;
+    std::sort(arrays.begin(), arrays.end());
+    std::uint64_t readUpTo[2] = {0, 1};  // per parity of the offset: where the unread entries start
+    for (const auto& [first, last] : arrays) {
+        std::uint64_t& done = readUpTo[first % 2];
+        for (std::uint64_t at = std::max(first, done); at <= last && r.ok(); at += 2)
+            largest = std::max<std::uint64_t>(largest, r.u16(cmap, at));
+        done = std::max(done, last + 2);
     }
-    std::uint32_t u16(const Table& table, std::uint64_t at) {
-        return need(table, at, 2) ? read16(table.offset + at) : 0;
-    }
-    std::uint32_t u32(const Table& table, std::uint64_t at) {
-        return need(table, at, 4) ? read32(table.offset + at) : 0;
-    }
-
-private:
-    std::uint32_t read16(std::uint64_t at) const { return (std::uint32_t{data_[at]} << 8) | data_[at + 1]; }
-    std::uint32_t read32(std::uint64_t at) const { return (read16(at) << 16) | read16(at + 2); }
-
-    const std::uint8_t* data_;
-    std::size_t size_;
-    bool ok_ = true;
-};
+    return largest;
+}
 
 // Format 4's binary search is steered by searchRange, entrySelector and
 // rangeShift from the file; they must keep it inside the segment arrays, and
 // every glyph-id array a segment points to must end inside cmap.
-void segmentMappingInside(Reader& r, const Table& cmap, std::uint64_t subtable) {
+std::uint64_t segmentMappingInside(Reader& r, const Table& cmap, std::uint64_t subtable) {
     const std::uint64_t segments = r.u16(cmap, subtable + 6) >> 1;
     const std::uint64_t searchRange = r.u16(cmap, subtable + 8) >> 1;
     const std::uint64_t rangeShift = r.u16(cmap, subtable + 12) >> 1;
     const std::uint64_t lastReachable = rangeShift + (searchRange > 0 ? searchRange - 1 : 0);
-    if (segments == 0 || lastReachable >= segments) return r.fail();
-    if (!r.need(cmap, subtable, 16 + 8 * segments)) return;
+    if (segments == 0 || lastReachable >= segments) {
+        r.fail();
+        return 0;
+    }
+    if (!r.need(cmap, subtable, 16 + 8 * segments)) return 0;
     const std::uint64_t ends = subtable + 14;
     const std::uint64_t starts = ends + 2 * segments + 2;
     const std::uint64_t rangeOffsets = starts + 4 * segments;
@@ -78,13 +74,31 @@ void segmentMappingInside(Reader& r, const Table& cmap, std::uint64_t subtable) 
         const std::uint32_t rangeOffset = r.u16(cmap, rangeOffsets + 2 * i);
         if (rangeOffset != 0 && start <= end) r.need(cmap, rangeOffsets + 2 * i + rangeOffset + 2 * (end - start), 2);
     }
+    return r.ok() ? largestSegmentGlyph(r, cmap, subtable) : 0;
 }
 
-// The subtable stb picks (the last Unicode one) and what it reads there. stb
-// stops at an assertion on formats it does not know, so those are refused.
-void characterMapInside(Reader& r, const Table& cmap) {
+// The largest glyph id of a format 12 (consecutive) or 13 (many-to-one)
+// subtable, for the code points text can hold.
+std::uint64_t largestGroupGlyph(Reader& r, const Table& cmap, std::uint64_t subtable, bool consecutive) {
+    const std::uint64_t groups = r.u32(cmap, subtable + 12);
+    if (!r.need(cmap, subtable, 16 + 12 * groups)) return 0;
+    std::uint64_t largest = 0;
+    for (std::uint64_t i = 0; i < groups; ++i) {
+        const std::uint64_t group = subtable + 16 + 12 * i;
+        const std::uint64_t start = r.u32(cmap, group);
+        const std::uint64_t end = std::min<std::uint64_t>(r.u32(cmap, group + 4), 0x10FFFF);
+        const std::uint64_t glyph = r.u32(cmap, group + 8);
+        if (start <= end) largest = std::max(largest, consecutive ? (glyph + end - start) & 0xFFFFFFFF : glyph);
+    }
+    return largest;
+}
+
+// The subtable stb picks (the last Unicode one) and what it reads there; the
+// result is the largest glyph id it can give. stb stops at an assertion on
+// formats it does not know, so those are refused.
+std::uint64_t characterMapInside(Reader& r, const Table& cmap) {
     const std::uint32_t encodings = r.u16(cmap, 2);
-    if (!r.need(cmap, 4, 8 * std::uint64_t{encodings})) return;
+    if (!r.need(cmap, 4, 8 * std::uint64_t{encodings})) return 0;
     std::uint64_t subtable = 0;
     bool found = false;
     for (std::uint32_t i = 0; i < encodings; ++i) {
@@ -98,23 +112,29 @@ void characterMapInside(Reader& r, const Table& cmap) {
             found = true;
         }
     }
-    if (!found) return;  // stb refuses the font itself
+    if (!found) return 0;  // stb refuses the font itself
+    std::uint64_t largest = 0;
     switch (r.u16(cmap, subtable)) {
-    case 0:
-        r.need(cmap, subtable, std::max<std::uint64_t>(6, r.u16(cmap, subtable + 2)));
-        break;
+    case 0: {
+        const std::uint64_t length = r.u16(cmap, subtable + 2);
+        r.need(cmap, subtable, std::max<std::uint64_t>(6, length));
+        for (std::uint64_t i = 6; i < length && r.ok(); ++i) largest = std::max<std::uint64_t>(largest, r.u8(cmap, subtable + i));
+        return largest;
+    }
     case 4:
-        segmentMappingInside(r, cmap, subtable);
-        break;
-    case 6:
-        r.need(cmap, subtable, 10 + 2 * std::uint64_t{r.u16(cmap, subtable + 8)});
-        break;
+        return segmentMappingInside(r, cmap, subtable);
+    case 6: {
+        const std::uint64_t count = r.u16(cmap, subtable + 8);
+        r.need(cmap, subtable, 10 + 2 * count);
+        for (std::uint64_t i = 0; i < count && r.ok(); ++i) largest = std::max<std::uint64_t>(largest, r.u16(cmap, subtable + 10 + 2 * i));
+        return largest;
+    }
     case 12:
     case 13:
-        r.need(cmap, subtable, 16 + 12 * std::uint64_t{r.u32(cmap, subtable + 12)});
-        break;
+        return largestGroupGlyph(r, cmap, subtable, r.u16(cmap, subtable) == 12);
     default:
         r.fail();
+        return 0;
     }
 }
 
@@ -233,7 +253,10 @@ bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart)
     r.need(hmtx, 0, 4 * std::uint64_t{longMetrics});
     const std::uint64_t glyphCount = maxp.present ? r.u16(maxp, 4) : 0xFFFF;
 
-    characterMapInside(r, cmap);
+    // stb takes glyph ids as ints: one beyond them would index tables
+    // backwards.
+    const std::uint64_t largestMappedGlyph = characterMapInside(r, cmap);
+    if (largestMappedGlyph > INT_MAX) return false;
     if (kern.present) kernPairsInside(r, kern);
     if (gpos.present) pairAdjustmentsInside(r, gpos);
     if (glyf.present) {
@@ -241,23 +264,11 @@ bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart)
         glyphLocationsInside(r, head, loca, glyf, glyphCount);
     } else {
         if (!cff.present) return false;
-        r.need(cff, 0, 4);
+        // stb looks up a CFF glyph's charstring by id without a check, so the
+        // character map may only give glyphs that have one.
+        if (compactFontGlyphs(r, cff) <= largestMappedGlyph) return false;
     }
     return r.ok();
-}
-
-bool cffIndexesInside(const stbtt_fontinfo& info, const std::uint8_t* data, std::size_t size, int fontStart) {
-    Reader r(data, size);
-    const Table glyf = r.table(fontStart, "glyf");
-    const Table cff = r.table(fontStart, "CFF ");
-    if (glyf.present || !cff.present) return r.ok();
-    const std::uint8_t* begin = data + cff.offset;
-    const std::uint8_t* end = begin + cff.length;
-    for (const stbtt__buf& index : {info.charstrings, info.gsubrs, info.subrs, info.fontdicts, info.fdselect}) {
-        if (index.data == nullptr || index.size == 0) continue;
-        if (index.data < begin || index.size < 0 || index.size > end - index.data) return false;
-    }
-    return true;
 }
 
 }  // namespace plakard
