@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -205,10 +206,159 @@ void pairAdjustmentsInside(Reader& r, const Table& gpos) {
     }
 }
 
-// Every loca entry stb can read points inside glyf, with room for the glyph
-// header wherever a glyph is not empty.
-void glyphLocationsInside(Reader& r, const Table& head, const Table& loca, const Table& glyf,
-                          std::uint64_t glyphCount) {
+// What stb makes of one glyph's outline: a bound on its vertex count and on
+// the size of its coordinates, and the glyphs it is composed of.
+struct Outline {
+    std::uint64_t vertices = 0;
+    double largestCoordinate = 0;
+    struct Component {
+        std::uint32_t glyph;
+        double scaleX;  // |x| of a transformed point is at most scaleX * largest + offsetX
+        double offsetX;
+        double scaleY;
+        double offsetY;
+    };
+    std::vector<Component> components;
+};
+
+// A simple glyph, inside its own data: contour ends, instructions, flags and
+// coordinates. stb reads the point after a contour's off-curve first point,
+// one past its buffer when that is the glyph's last point.
+void simpleOutlineInside(Reader& r, const Table& glyph, std::uint64_t contours, Outline& outline) {
+    const std::uint64_t points = std::uint64_t{r.u16(glyph, 10 + 2 * contours - 2)} + 1;
+    std::uint64_t at = 10 + 2 * contours + 2 + r.u16(glyph, 10 + 2 * contours);
+    std::vector<std::uint8_t> flags(points);
+    for (std::uint64_t i = 0; i < points && r.ok();) {
+        const auto flag = static_cast<std::uint8_t>(r.u8(glyph, at++));
+        std::uint64_t repeat = (flag & 8) ? 1 + std::uint64_t{r.u8(glyph, at++)} : 1;
+        for (; repeat > 0 && i < points; --repeat) flags[i++] = flag;
+    }
+    // x then y, each a byte (bits 2 and 4 with their signs in bits 16 and 32),
+    // nothing (the same as before), or a 16-bit delta. stb keeps each as 16 bits.
+    for (const int axis : {0, 1}) {
+        const std::uint8_t shortBit = axis == 0 ? 2 : 4;
+        const std::uint8_t sameBit = axis == 0 ? 16 : 32;
+        std::int32_t value = 0;
+        for (std::uint64_t i = 0; i < points && r.ok(); ++i) {
+            if (flags[i] & shortBit) {
+                const auto delta = static_cast<std::int32_t>(r.u8(glyph, at++));
+                value += (flags[i] & sameBit) ? delta : -delta;
+            } else if (!(flags[i] & sameBit)) {
+                value += static_cast<std::int16_t>(r.u16(glyph, at));
+                at += 2;
+            }
+            const double stored = static_cast<std::int16_t>(value);
+            outline.largestCoordinate = std::max(outline.largestCoordinate, std::abs(stored));
+        }
+    }
+    std::uint64_t nextContour = 0;
+    for (std::uint64_t i = 0, contour = 0; i < points && r.ok(); ++i) {
+        if (i != nextContour) continue;
+        if (!(flags[i] & 1)) {
+            if (i + 1 >= points) return r.fail();
+            if (flags[i + 1] & 1) ++i;
+        }
+        nextContour = 1 + std::uint64_t{r.u16(glyph, 10 + 2 * contour++)};
+    }
+    outline.vertices = points + 2 * contours;
+}
+
+// A composite glyph's component records, inside its own data. stb asserts on
+// components placed by matching points instead of offsets.
+void compositeOutlineInside(Reader& r, const Table& glyph, Outline& outline) {
+    std::uint64_t at = 10;
+    for (bool more = true; more && r.ok();) {
+        const std::uint32_t flags = r.u16(glyph, at);
+        const std::uint32_t component = r.u16(glyph, at + 2);
+        at += 4;
+        if (!(flags & 2)) return r.fail();
+        double dx = 0;
+        double dy = 0;
+        if (flags & 1) {
+            dx = static_cast<std::int16_t>(r.u16(glyph, at));
+            dy = static_cast<std::int16_t>(r.u16(glyph, at + 2));
+            at += 4;
+        } else {
+            dx = static_cast<std::int8_t>(r.u8(glyph, at));
+            dy = static_cast<std::int8_t>(r.u8(glyph, at + 1));
+            at += 2;
+        }
+        auto fixed = [&](std::uint64_t offset) { return static_cast<std::int16_t>(r.u16(glyph, offset)) / 16384.0; };
+        double a = 1, b = 0, c = 0, d = 1;
+        if (flags & 8) {
+            a = d = fixed(at);
+            at += 2;
+        } else if (flags & 64) {
+            a = fixed(at);
+            d = fixed(at + 2);
+            at += 4;
+        } else if (flags & 128) {
+            a = fixed(at);
+            b = fixed(at + 2);
+            c = fixed(at + 4);
+            d = fixed(at + 6);
+            at += 8;
+        }
+        // stb scales x by |(a, b)| and y by |(c, d)| on top of the matrix.
+        const double m = std::sqrt(a * a + b * b);
+        const double n = std::sqrt(c * c + d * d);
+        outline.components.push_back({component, m * (std::abs(a) + std::abs(c)), m * std::abs(dx),
+                                      n * (std::abs(b) + std::abs(d)), n * std::abs(dy)});
+        more = flags & 32;
+    }
+}
+
+// stb builds a composite by calling itself for each component: a cycle, or
+// nesting deeper than real fonts go, would run it out of stack, and
+// components used many times over can multiply the vertices beyond its int
+// counts. Its transformed coordinates go back into 16 bits, so they must fit.
+constexpr std::uint64_t deepestNesting = 32;
+constexpr std::uint64_t mostVertices = 1 << 22;
+
+void compositesSound(Reader& r, std::vector<Outline>& outlines) {
+    enum class State : std::uint8_t { unseen, open, done };
+    std::vector<State> state(outlines.size(), State::unseen);
+    std::vector<std::uint64_t> depth(outlines.size(), 0);
+    std::vector<std::pair<std::size_t, std::size_t>> stack;  // glyph, next component
+    for (std::size_t root = 0; root < outlines.size() && r.ok(); ++root) {
+        if (state[root] != State::unseen) continue;
+        stack.emplace_back(root, 0);
+        state[root] = State::open;
+        while (!stack.empty() && r.ok()) {
+            auto& [glyph, next] = stack.back();
+            Outline& outline = outlines[glyph];
+            if (next < outline.components.size()) {
+                const std::uint32_t component = outline.components[next++].glyph;
+                if (component >= outlines.size()) continue;  // stb draws nothing for it
+                if (state[component] == State::open) return r.fail();
+                if (state[component] == State::unseen) {
+                    state[component] = State::open;
+                    stack.emplace_back(component, 0);
+                }
+                continue;
+            }
+            for (const Outline::Component& part : outline.components) {
+                if (part.glyph >= outlines.size()) continue;
+                const Outline& used = outlines[part.glyph];
+                depth[glyph] = std::max(depth[glyph], depth[part.glyph] + 1);
+                outline.vertices += used.vertices;
+                outline.largestCoordinate =
+                    std::max({outline.largestCoordinate, part.scaleX * used.largestCoordinate + part.offsetX,
+                              part.scaleY * used.largestCoordinate + part.offsetY});
+            }
+            if (depth[glyph] > deepestNesting || outline.vertices > mostVertices ||
+                outline.largestCoordinate >= 32767)
+                return r.fail();
+            state[glyph] = State::done;
+            stack.pop_back();
+        }
+    }
+}
+
+// Every loca entry stb can read points inside glyf, and every glyph's outline
+// lies inside its own data, as stb will read it.
+void glyphOutlinesInside(Reader& r, const Table& head, const Table& loca, const Table& glyf,
+                         std::uint64_t glyphCount) {
     const std::uint32_t format = r.u16(head, 50);
     if (format >= 2) return;  // stb then reads no outlines at all
     const std::uint64_t entrySize = format == 0 ? 2 : 4;
@@ -216,13 +366,22 @@ void glyphLocationsInside(Reader& r, const Table& head, const Table& loca, const
     auto location = [&](std::uint64_t i) -> std::uint64_t {
         return format == 0 ? 2 * std::uint64_t{r.u16(loca, 2 * i)} : r.u32(loca, 4 * i);
     };
+    std::vector<Outline> outlines(glyphCount);
     std::uint64_t start = location(0);
-    for (std::uint64_t i = 0; i < glyphCount; ++i) {
+    for (std::uint64_t i = 0; i < glyphCount && r.ok(); ++i) {
         const std::uint64_t end = location(i + 1);
-        if (start != end) r.need(glyf, start, 10);
         if (end > glyf.length) return r.fail();
+        if (start != end) {
+            // stb reads from the glyph's start on, whatever the next entry says.
+            if (end < start + 10) return r.fail();
+            const Table glyph{glyf.offset + start, end - start, true};
+            const auto contours = static_cast<std::int16_t>(r.u16(glyph, 0));
+            if (contours > 0) simpleOutlineInside(r, glyph, static_cast<std::uint64_t>(contours), outlines[i]);
+            if (contours < 0) compositeOutlineInside(r, glyph, outlines[i]);
+        }
         start = end;
     }
+    compositesSound(r, outlines);
 }
 
 }  // namespace
@@ -261,7 +420,7 @@ bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart)
     if (gpos.present) pairAdjustmentsInside(r, gpos);
     if (glyf.present) {
         if (!loca.present) return false;
-        glyphLocationsInside(r, head, loca, glyf, glyphCount);
+        glyphOutlinesInside(r, head, loca, glyf, glyphCount);
     } else {
         if (!cff.present) return false;
         // stb looks up a CFF glyph's charstring by id without a check, so the
