@@ -1,5 +1,6 @@
 // Hostile image files: decoding either gives a canvas that resamples and
-// encodes, or throws the decode error; nothing else may happen.
+// encodes, or throws the decode error as one line of printable text (the
+// decoder's reason can quote bytes of the file); nothing else may happen.
 
 #include <stb_image.h>
 
@@ -37,7 +38,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             image.fitted(13, 7, fit).pngData(false);
         }
         if (image.width * image.height <= largestEncodedPixelCount) image.pngData(true);
-    } catch (const plakard::PlakardError&) {
+    } catch (const plakard::PlakardError& error) {
+        for (const char c : error.description) {
+            if (c < 0x20 || c > 0x7E) __builtin_trap();
+        }
     }
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
@@ -19,6 +20,20 @@ struct DecodedPixelsFree {
     void operator()(stbi_uc* pixels) const { stbi_image_free(pixels); }
 };
 
+// The decoder's reason, fit for one line of a terminal. stb names an unknown
+// chunk by its type, four bytes straight from the file: those may be control
+// characters (a line break, an escape sequence) or not text at all, so any
+// byte outside printable ASCII shows as '?'. An empty reason (a type that
+// starts with a zero byte) says as little as none.
+std::string printableReason(const char* reason) {
+    if (!reason || !*reason) return "unsupported image";
+    std::string text(reason);
+    for (char& c : text) {
+        if (c < 0x20 || c > 0x7E) c = '?';
+    }
+    return text;
+}
+
 }  // namespace
 
 Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
@@ -33,11 +48,8 @@ Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileN
     std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(stbi_load_from_memory(
         bytes, toInt32(static_cast<std::int64_t>(data.size())), &width, &height, &channelsInFile, 4));
     if (!decoded) {
-        // The reason is global state of the decoder: read it right away. An
-        // empty one (stb names an unknown chunk by its type, which is "" for
-        // a file cut off right after a chunk) says as little as none.
-        const char* reason = stbi_failure_reason();
-        throw PlakardError("cannot decode " + fileName + ": " + (reason && *reason ? reason : "unsupported image") +
+        // The reason is global state of the decoder: read it right away.
+        throw PlakardError("cannot decode " + fileName + ": " + printableReason(stbi_failure_reason()) +
                            " (PNG and JPEG only)");
     }
     require(width >= 1 && height >= 1 && width <= INT64_MAX / 4 / height);
