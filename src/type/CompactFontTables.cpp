@@ -179,6 +179,7 @@ private:
 // settled once, skipping those settled already.
 void fontDictSelectInside(CompactFontWalk& walk, const Span& cff, Span select, const Span& fontDicts,
                           std::uint64_t glyphs) {
+    if (select.size == 0) return;  // stb then draws every glyph with the top DICT's subroutines
     const std::uint32_t dictCount = walk.indexCount(fontDicts);
     std::vector<bool> dictChecked(dictCount, false);
     auto selects = [&](std::uint32_t dict) {
