@@ -58,7 +58,7 @@ def finish(fb, name):
     fb.setupPost()
 
 
-def truetype(name="PlakardTest"):
+def truetype(name="PlakardTest", lone_point=False):
     fb = FontBuilder(1024, isTTF=True)
     start(fb)
     glyphs = {}
@@ -70,6 +70,12 @@ def truetype(name="PlakardTest"):
         else:
             outline(pen, glyph)
         glyphs[glyph] = pen.glyph()
+        if glyph == "V" and lone_point:
+            # A last contour of one off-curve point (pens drop such contours).
+            glyphs[glyph].coordinates.append((310, 360))
+            glyphs[glyph].flags.append(0)
+            glyphs[glyph].endPtsOfContours.append(len(glyphs[glyph].coordinates) - 1)
+            glyphs[glyph].numberOfContours += 1
     fb.setupGlyf(glyphs)
     finish(fb, name)
     kern = newTable("kern")
@@ -163,3 +169,25 @@ cff = tables(damaged)["CFF "][0]
 charstrings = TTFont(io.BytesIO(bytes(otf)))["CFF "].cff.topDictIndex[0].rawDict["CharStrings"]
 struct.pack_into(">HB", damaged, cff + charstrings, 0x7FFF, 4)
 write(crashers, "cff-index-past-table.otf", damaged, TEXT)
+
+# Aring's first component is Aring itself: stb recursed until the stack ran
+# out.
+damaged = bytearray(ttf)
+struct.pack_into(">H", damaged, glyph_offset(damaged, "Aring") + 12, ORDER.index("Aring"))
+write(crashers, "composite-cycle.ttf", damaged, TEXT)
+
+# Aring's first component is placed by matching points, on which stb asserts.
+damaged = bytearray(ttf)
+g = glyph_offset(damaged, "Aring") + 10
+struct.pack_into(">H", damaged, g, struct.unpack_from(">H", damaged, g)[0] & ~2)
+write(crashers, "composite-point-matching.ttf", damaged, TEXT)
+
+# V's last contour is a single off-curve point: stb read the point after it,
+# one past its buffer.
+write(crashers, "off-curve-last-point.ttf", saved(truetype(lone_point=True)), TEXT)
+
+# The charstrings INDEX counts one glyph fewer than the face has, so the
+# character map gives Aring, which has no charstring: stb asserts.
+damaged = bytearray(otf)
+struct.pack_into(">H", damaged, cff + charstrings, len(ORDER) - 1)
+write(crashers, "cff-glyph-without-charstring.otf", damaged, TEXT)

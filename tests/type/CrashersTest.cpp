@@ -32,8 +32,10 @@ Replay loaded(const std::string& name) {
             std::string(bytes.begin() + static_cast<std::ptrdiff_t>(fontSize), bytes.end())};
 }
 
-TEST(FontCrashers, FacesWhoseTablesStbWouldReadPastAreRefused) {
-    for (const std::string name : {"cff-index-past-table.otf", "glyph-points-past-glyph.ttf"}) {
+TEST(FontCrashers, FacesStbWouldReadPastOrAssertOnOrRecurseForeverAreRefused) {
+    for (const std::string name : {"cff-index-past-table.otf", "cff-glyph-without-charstring.otf",
+                                   "glyph-points-past-glyph.ttf", "off-curve-last-point.ttf", "composite-cycle.ttf",
+                                   "composite-point-matching.ttf"}) {
         try {
             loaded(name);
             ADD_FAILURE() << name << " loaded";
