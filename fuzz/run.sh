@@ -18,7 +18,7 @@ shift $(( $# > 1 ? 2 : 1 ))
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(fuzz_image fuzz_font fuzz_options fuzz_compose)
 here=$(cd "$(dirname "$0")" && pwd)
-crashers="$here/../tests/data/crashers"
+crashers="$(cd "$here/.." && pwd)/tests/data/crashers"
 
 "$here/seed.sh" "$build/fuzz-seeds" >/dev/null
 for target in "${targets[@]}"; do
