@@ -224,10 +224,11 @@ struct Outline {
 // A simple glyph, inside its own data: contour ends, instructions, flags and
 // coordinates. stb reads the point after a contour's off-curve first point,
 // one past its buffer when that is the glyph's last point.
-void simpleOutlineInside(Reader& r, const Table& glyph, std::uint64_t contours, Outline& outline) {
+void simpleOutlineInside(Reader& r, const Table& glyph, std::uint64_t contours, std::vector<std::uint8_t>& flags,
+                         Outline& outline) {
     const std::uint64_t points = std::uint64_t{r.u16(glyph, 10 + 2 * contours - 2)} + 1;
     std::uint64_t at = 10 + 2 * contours + 2 + r.u16(glyph, 10 + 2 * contours);
-    std::vector<std::uint8_t> flags(points);
+    flags.resize(points);
     for (std::uint64_t i = 0; i < points && r.ok();) {
         const auto flag = static_cast<std::uint8_t>(r.u8(glyph, at++));
         std::uint64_t repeat = (flag & 8) ? 1 + std::uint64_t{r.u8(glyph, at++)} : 1;
@@ -367,6 +368,7 @@ void glyphOutlinesInside(Reader& r, const Table& head, const Table& loca, const 
         return format == 0 ? 2 * std::uint64_t{r.u16(loca, 2 * i)} : r.u32(loca, 4 * i);
     };
     std::vector<Outline> outlines(glyphCount);
+    std::vector<std::uint8_t> flags;  // one buffer for every glyph's point flags
     std::uint64_t start = location(0);
     for (std::uint64_t i = 0; i < glyphCount && r.ok(); ++i) {
         const std::uint64_t end = location(i + 1);
@@ -376,7 +378,7 @@ void glyphOutlinesInside(Reader& r, const Table& head, const Table& loca, const 
             if (end < start + 10) return r.fail();
             const Table glyph{glyf.offset + start, end - start, true};
             const auto contours = static_cast<std::int16_t>(r.u16(glyph, 0));
-            if (contours > 0) simpleOutlineInside(r, glyph, static_cast<std::uint64_t>(contours), outlines[i]);
+            if (contours > 0) simpleOutlineInside(r, glyph, static_cast<std::uint64_t>(contours), flags, outlines[i]);
             if (contours < 0) compositeOutlineInside(r, glyph, outlines[i]);
         }
         start = end;
