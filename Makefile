@@ -49,8 +49,7 @@ bench: deps
 	$(BUILD)/bench/plakard_bench
 
 fuzz:
-	scripts/install-deps.sh $(FUZZ)
-	scripts/install-fuzz-deps.sh
+	scripts/install-deps.sh --fuzz $(FUZZ)
 	cmake -S . -B $(FUZZ) -DCMAKE_CXX_COMPILER=$(FUZZ_CXX) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 	  -DPLAKARD_BUILD_FUZZ=ON -DPLAKARD_BUILD_TESTS=OFF -DPLAKARD_WERROR=$(WERROR) $(CMAKE_FLAGS)
 	cmake --build $(FUZZ) -j $(JOBS) --target fuzz_image fuzz_font fuzz_options fuzz_compose
