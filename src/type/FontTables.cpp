@@ -89,7 +89,9 @@ std::uint64_t largestGroupGlyph(Reader& r, const Table& cmap, std::uint64_t subt
         const std::uint64_t start = r.u32(cmap, group);
         const std::uint64_t end = std::min<std::uint64_t>(r.u32(cmap, group + 4), 0x10FFFF);
         const std::uint64_t glyph = r.u32(cmap, group + 8);
-        if (start <= end) largest = std::max(largest, consecutive ? (glyph + end - start) & 0xFFFFFFFF : glyph);
+        // stb adds in 32 bits: a group that runs past the top wraps round,
+        // having given the largest id there is on the way.
+        if (start <= end) largest = std::max(largest, consecutive ? std::min<std::uint64_t>(glyph + end - start, 0xFFFFFFFF) : glyph);
     }
     return largest;
 }
