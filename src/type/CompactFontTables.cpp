@@ -1,6 +1,7 @@
 #include "type/CompactFontTables.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <numeric>
@@ -173,29 +174,38 @@ private:
     const Table& cff_;
 };
 
-// Every glyph below `glyphs` must find a font dict in FDSelect (stb asserts
-// when one does not) whose subroutines lie in the table. Format 3 ranges are
-// taken in order, the first that holds a glyph deciding; each glyph is
-// settled once, skipping those settled already.
-void fontDictSelectInside(CompactFontWalk& walk, const Span& cff, Span select, const Span& fontDicts,
-                          std::uint64_t glyphs) {
-    if (select.size == 0) return;  // stb then draws every glyph with the top DICT's subroutines
+// The local subroutines of every glyph, in glyph order. In a CID-keyed face
+// each glyph must find a font dict in FDSelect (stb asserts when one does not)
+// and takes that dict's subroutines; format 3 ranges are taken in order, the
+// first that holds a glyph deciding, and each glyph is settled once, skipping
+// those settled already. Otherwise every glyph takes the top DICT's.
+std::vector<Span> localSubroutines(CompactFontWalk& walk, const Span& topSubroutines, Span select,
+                                   const Span& fontDicts, std::uint64_t glyphs) {
+    // stb reads FDSelect only when its range is not empty.
+    if (select.size == 0) return std::vector<Span>(glyphs, topSubroutines);
+    std::vector<Span> subroutines(glyphs);
     const std::uint32_t dictCount = walk.indexCount(fontDicts);
-    std::vector<bool> dictChecked(dictCount, false);
-    auto selects = [&](std::uint32_t dict) {
+    std::vector<Span> dictSubroutines(dictCount);
+    std::vector<bool> dictRead(dictCount, false);
+    auto selects = [&](std::uint64_t glyph, std::uint32_t dict) {
         if (dict >= dictCount) return walk.fail();
-        if (dictChecked[dict]) return;
-        dictChecked[dict] = true;
-        walk.keep(walk.subroutines(cff, walk.indexEntry(fontDicts, dict)));
+        if (!dictRead[dict]) {
+            dictRead[dict] = true;
+            dictSubroutines[dict] = walk.subroutines(walk.whole(), walk.indexEntry(fontDicts, dict));
+            walk.keep(dictSubroutines[dict]);
+        }
+        subroutines[glyph] = dictSubroutines[dict];
     };
     walk.seek(select, 0);
     const std::uint32_t format = walk.get8(select);
     if (format == 0) {
-        for (std::uint64_t glyph = 0; glyph < glyphs && walk.ok(); ++glyph) selects(walk.get8(select));
-        walk.keep(Span{select.start, select.cursor, 0});
-        return;
+        for (std::uint64_t glyph = 0; glyph < glyphs && walk.ok(); ++glyph) selects(glyph, walk.get8(select));
+        return subroutines;
     }
-    if (format != 3) return walk.fail();
+    if (format != 3) {
+        walk.fail();
+        return subroutines;
+    }
     const std::uint32_t ranges = walk.get(select, 2);
     std::uint32_t start = walk.get(select, 2);
     // nextOpen[g]: the first glyph at or after g not settled yet.
@@ -211,14 +221,136 @@ void fontDictSelectInside(CompactFontWalk& walk, const Span& cff, Span select, c
         const std::uint32_t end = walk.get(select, 2);
         const std::uint64_t last = std::min<std::uint64_t>(end, glyphs);
         for (std::uint64_t glyph = open(std::min<std::uint64_t>(start, glyphs)); glyph < last; glyph = open(glyph)) {
-            selects(dict);
+            selects(glyph, dict);
             nextOpen[glyph] = glyph + 1;
             ++settled;
         }
         start = end;
     }
-    walk.keep(Span{select.start, select.cursor, 0});
     if (settled != glyphs) walk.fail();
+    return subroutines;
+}
+
+// stbtt__get_subr: subroutine n, after the bias the INDEX's size sets.
+Span subroutine(CompactFontWalk& walk, const Span& index, std::int64_t n) {
+    const std::int64_t count = walk.indexCount(index);
+    n += count >= 33900 ? 32768 : count >= 1240 ? 1131 : 107;
+    if (n < 0 || n >= count) return {};
+    return walk.indexEntry(index, n);
+}
+
+// Drawing or measuring a glyph runs its charstring. stb's interpreter has no
+// budget: subroutines that call each other ten deep, each many times over,
+// run for ever, and the pen can travel beyond the ints its coordinates are
+// turned into. It asserts when a hint mask runs past the charstring. Its
+// control flow is followed here (the operand values matter only as
+// subroutine numbers and pen travel), within a budget no real glyph nears.
+constexpr std::uint64_t mostOperators = 1 << 16;
+constexpr double farthestTravel = 1 << 30;
+
+void charStringSound(CompactFontWalk& walk, Span b, const Span& localSubroutines, const Span& globalSubroutines) {
+    float s[48];
+    int sp = 0;
+    bool inHeader = true;
+    std::int64_t maskBits = 0;
+    Span callers[10];
+    int depth = 0;
+    std::uint64_t operators = 0;
+    double travel = 0;
+    // A path operator with at least `needed` operands moves the pen by some of
+    // them; all of them bound how far.
+    auto draws = [&](int needed) {
+        if (sp < needed) return false;  // stb stops drawing the glyph
+        for (int i = 0; i < sp; ++i) travel += std::abs(static_cast<double>(s[i]));
+        return true;
+    };
+    while (b.cursor < b.size && walk.ok()) {
+        if (++operators > mostOperators || travel > farthestTravel) return walk.fail();
+        bool clearStack = true;
+        const std::uint32_t b0 = walk.get8(b);
+        switch (b0) {
+        case 0x13:  // hintmask
+        case 0x14:  // cntrmask
+            if (inHeader) maskBits += sp / 2;
+            inHeader = false;
+            walk.skip(b, (maskBits + 7) / 8);
+            break;
+        case 0x01:  // hstem
+        case 0x03:  // vstem
+        case 0x12:  // hstemhm
+        case 0x17:  // vstemhm
+            maskBits += sp / 2;
+            break;
+        case 0x15:  // rmoveto
+            inHeader = false;
+            if (!draws(2)) return;
+            break;
+        case 0x04:  // vmoveto
+        case 0x16:  // hmoveto
+            inHeader = false;
+            if (!draws(1)) return;
+            break;
+        case 0x05:  // rlineto
+            if (!draws(2)) return;
+            break;
+        case 0x06:  // hlineto
+        case 0x07:  // vlineto
+            if (!draws(1)) return;
+            break;
+        case 0x1E:  // vhcurveto
+        case 0x1F:  // hvcurveto
+        case 0x1A:  // vvcurveto
+        case 0x1B:  // hhcurveto
+            if (!draws(4)) return;
+            break;
+        case 0x08:  // rrcurveto
+            if (!draws(6)) return;
+            break;
+        case 0x18:  // rcurveline
+        case 0x19:  // rlinecurve
+            if (!draws(8)) return;
+            break;
+        case 0x0A:  // callsubr
+        case 0x1D: {  // callgsubr
+            if (sp < 1) return;
+            const int n = static_cast<int>(s[--sp]);
+            if (depth >= 10) return;
+            callers[depth++] = b;
+            b = subroutine(walk, b0 == 0x0A ? localSubroutines : globalSubroutines, n);
+            if (b.size == 0) return;
+            b.cursor = 0;
+            clearStack = false;
+            break;
+        }
+        case 0x0B:  // return
+            if (depth <= 0) return;
+            b = callers[--depth];
+            clearStack = false;
+            break;
+        case 0x0E:  // endchar
+            return;
+        case 0x0C: {  // flex family
+            static constexpr int needed[] = {7, 13, 9, 11};  // hflex, flex, hflex1, flex1
+            const std::uint32_t b1 = walk.get8(b);
+            if (b1 < 0x22 || b1 > 0x25 || !draws(needed[b1 - 0x22])) return;
+            break;
+        }
+        default: {
+            if (b0 != 255 && b0 != 28 && b0 < 32) return;  // a reserved operator ends the glyph
+            float f = 0;
+            if (b0 == 255) {
+                f = static_cast<float>(static_cast<std::int32_t>(walk.get(b, 4))) / 0x10000;
+            } else {
+                walk.skip(b, -1);
+                f = static_cast<float>(static_cast<std::int16_t>(walk.integer(b)));
+            }
+            if (sp >= 48) return;
+            s[sp++] = f;
+            clearStack = false;
+        }
+        }
+        if (clearStack) sp = 0;
+    }
 }
 
 }  // namespace
@@ -233,7 +365,8 @@ std::uint64_t compactFontGlyphs(Reader& r, const Table& cff) {
     const Span topDicts = walk.index(b);
     Span topDict = walk.indexEntry(topDicts, 0);
     walk.index(b);  // strings
-    walk.keep(walk.index(b));  // global subroutines
+    const Span globalSubroutines = walk.index(b);
+    walk.keep(globalSubroutines);
     std::uint32_t charStrings = 0;
     std::uint32_t charStringType = 2;
     std::uint32_t fontDictsOffset = 0;
@@ -242,7 +375,8 @@ std::uint64_t compactFontGlyphs(Reader& r, const Table& cff) {
     walk.dictIntegers(topDict, 0x100 | 6, &charStringType, 1);
     walk.dictIntegers(topDict, 0x100 | 36, &fontDictsOffset, 1);
     walk.dictIntegers(topDict, 0x100 | 37, &selectOffset, 1);
-    walk.keep(walk.subroutines(b, topDict));
+    const Span topSubroutines = walk.subroutines(b, topDict);
+    walk.keep(topSubroutines);
     if (!walk.ok() || charStringType != 2 || charStrings == 0) return 0;  // stb refuses these itself
     Span fontDicts;
     Span select;
@@ -257,11 +391,17 @@ std::uint64_t compactFontGlyphs(Reader& r, const Table& cff) {
     const Span glyphs = walk.index(b);
     walk.keep(glyphs);
     const std::uint64_t glyphCount = walk.ok() ? walk.indexCount(glyphs) : 0;
-    // Drawing a glyph reads its charstring (stb asserts on a glyph id beyond
-    // them, so there must be one for glyph 0, the missing glyph) and, in a
-    // CID-keyed font, the glyph's font dict.
+    // Drawing a glyph runs its charstring (stb asserts on a glyph id beyond
+    // them, so there must be one for glyph 0, the missing glyph) with, in a
+    // CID-keyed font, the subroutines of the glyph's font dict.
     if (glyphCount == 0) walk.fail();
-    if (fontDictsOffset != 0 && walk.ok()) fontDictSelectInside(walk, walk.whole(), select, fontDicts, glyphCount);
+    if (!walk.ok()) return 0;
+    const std::vector<Span> locals = fontDictsOffset != 0
+                                         ? localSubroutines(walk, topSubroutines, select, fontDicts, glyphCount)
+                                         : std::vector<Span>(glyphCount, topSubroutines);
+    for (std::uint64_t glyph = 0; glyph < glyphCount && walk.ok(); ++glyph)
+        charStringSound(walk, walk.indexEntry(glyphs, static_cast<std::int64_t>(glyph)), locals[glyph],
+                        globalSubroutines);
     return glyphCount;
 }
 
