@@ -12,8 +12,8 @@
 #include <string_view>
 
 #include "platform/PlakardError.hpp"
-#include "raster/Canvas.hpp"
 #include "platform/Unicode.hpp"
+#include "raster/Canvas.hpp"
 #include "type/Font.hpp"
 
 namespace {
