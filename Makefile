@@ -5,10 +5,14 @@
 #   make sanitize  build and run the tests under ASan + UBSan
 #   make bench     build and run the kernel benchmarks
 #   make bench-peers  time whole runs next to libvips, sharp and ImageMagick
-#   make fuzz      build the fuzz targets and replay their corpora
+#   make fuzz      build the fuzz targets with clang, replay their corpora and
+#                  crash files, then fuzz each for FUZZ_SECONDS under ASan + UBSan
 
 BUILD    ?= build
 ASAN     ?= build-asan
+FUZZ     ?= build-fuzz
+FUZZ_SECONDS ?= 30
+FUZZ_CXX ?= clang++-14
 JOBS     ?= $(shell nproc)
 # Warnings are errors under CI (which sets CI=true) and on request.
 WERROR   ?= $(if $(CI),ON,OFF)
@@ -38,12 +42,21 @@ demo: build
 	scripts/demo.sh $(BUILD)/plakard out
 
 clean:
-	rm -rf $(BUILD) $(ASAN) out
+	rm -rf $(BUILD) $(ASAN) $(FUZZ) out
 
 bench: deps
 	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release -DPLAKARD_BUILD_BENCH=ON $(CMAKE_FLAGS)
 	cmake --build $(BUILD) -j $(JOBS) --target plakard_bench
 	$(BUILD)/bench/plakard_bench
 
+<<<<<<< HEAD
 bench-peers: build
 	scripts/bench-peers.sh $(BUILD)
+=======
+fuzz:
+	scripts/install-deps.sh --fuzz $(FUZZ)
+	cmake -S . -B $(FUZZ) -DCMAKE_CXX_COMPILER=$(FUZZ_CXX) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DPLAKARD_BUILD_FUZZ=ON -DPLAKARD_BUILD_TESTS=OFF -DPLAKARD_WERROR=$(WERROR) $(CMAKE_FLAGS)
+	cmake --build $(FUZZ) -j $(JOBS) --target fuzz_image fuzz_font fuzz_options fuzz_compose
+	fuzz/run.sh $(FUZZ) $(FUZZ_SECONDS)
+>>>>>>> fuzz

@@ -2,7 +2,11 @@
 # Installs everything plakard needs to build, test and benchmark, from Debian's
 # packages only. Safe to run again: it installs only what is missing.
 #
-#   scripts/install-deps.sh [BUILD_DIR]
+#   scripts/install-deps.sh [--fuzz] [BUILD_DIR]
+#
+# --fuzz adds what `make fuzz` needs: clang with libFuzzer and the sanitizer
+# runtimes, and fontTools for the font seeds fuzz/seed.sh makes from Debian's
+# faces. Plain builds and tests do without them.
 #
 # stb_image_resize2.h first shipped in Debian 13. When the system's libstb-dev
 # lacks it, Debian 13's libstb-dev is fetched with a private apt configuration
@@ -11,6 +15,11 @@
 # from one release.
 set -euo pipefail
 
+fuzz=false
+if [ "${1:-}" = --fuzz ]; then
+  fuzz=true
+  shift
+fi
 build_dir=${1:-build}
 # The fonts after libdeflate-dev are test faces only: an em of 1000, a kern
 # table that pairs letters with the space, a face without Latin letters, and a
@@ -18,6 +27,9 @@ build_dir=${1:-build}
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
           libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
           fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei)
+if $fuzz; then
+  packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
+fi
 
 sudo_if_needed() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
 

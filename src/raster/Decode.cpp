@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
@@ -19,6 +20,20 @@ struct DecodedPixelsFree {
     void operator()(stbi_uc* pixels) const { stbi_image_free(pixels); }
 };
 
+// The decoder's reason, fit for one line of a terminal. stb names an unknown
+// chunk by its type, four bytes straight from the file: those may be control
+// characters (a line break, an escape sequence) or not text at all, so any
+// byte outside printable ASCII shows as '?'. An empty reason (a type that
+// starts with a zero byte) says as little as none.
+std::string printableReason(const char* reason) {
+    if (!reason || !*reason) return "unsupported image";
+    std::string text(reason);
+    for (char& c : text) {
+        if (c < 0x20 || c > 0x7E) c = '?';
+    }
+    return text;
+}
+
 // The decoder hands out 4-channel pixels in one buffer counted in an int, so
 // it can never return more than this many pixels. It checks that only against
 // the channels in the file, though: a grey image or a JPEG beyond it is
@@ -35,7 +50,7 @@ bool declaresTooManyPixels(const stbi_uc* bytes, int count) {
     return width > 0 && height > 0 && std::int64_t{width} * height > largestDecodablePixelCount;
 }
 
-PlakardError decodeFailure(const std::string& fileName, const char* reason) {
+PlakardError decodeFailure(const std::string& fileName, const std::string& reason) {
     return PlakardError("cannot decode " + fileName + ": " + reason + " (PNG and JPEG only)");
 }
 
@@ -56,11 +71,8 @@ Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileN
     std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(
         stbi_load_from_memory(bytes, count, &width, &height, &channelsInFile, 4));
     if (!decoded) {
-        // The reason is global state of the decoder: read it right away. An
-        // empty one (stb names an unknown chunk by its type, which is "" for
-        // a file cut off right after a chunk) says as little as none.
-        const char* reason = stbi_failure_reason();
-        throw decodeFailure(fileName, reason && *reason ? reason : "unsupported image");
+        // The reason is global state of the decoder: read it right away.
+        throw decodeFailure(fileName, printableReason(stbi_failure_reason()));
     }
     require(width >= 1 && height >= 1 && width <= INT64_MAX / 4 / height);
     const std::size_t byteCount = static_cast<std::size_t>(std::int64_t{width} * height * 4);

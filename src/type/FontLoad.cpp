@@ -57,7 +57,7 @@ std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, 
     const std::size_t size = font->storageSize;
     const int offset = collectionHeaderInside(data, size) ? stbtt_GetFontOffsetForIndex(data, 0) : -1;
     if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset) ||
-        stbtt_InitFont(&font->info, data, offset) == 0 || !cffIndexesInside(font->info, data, size, offset)) {
+        stbtt_InitFont(&font->info, data, offset) == 0) {
         font.reset();
         throw PlakardError(fileName + " is not a TrueType or OpenType font, or is truncated");
     }

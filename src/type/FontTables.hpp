@@ -7,18 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 
-#include <stb_truetype.h>
-
 namespace plakard {
 
 // Before stbtt_InitFont: every table stb reads for the face starting at
 // `fontStart` (whose table directory is known to lie inside the file) fits
 // in the file, with the headers, cmap subtable, kerning data, GPOS pair
-// adjustments and glyph locations stb looks at inside their tables.
+// adjustments, glyph locations and CFF structures stb looks at inside their
+// tables, and the glyph ids the character map gives are ones stb can look up.
 bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart);
-
-// After stbtt_InitFont: the CFF indexes stb found lie inside the CFF table
-// (stb parses CFF against a nominal 512 MiB bound, not the table's length).
-bool cffIndexesInside(const stbtt_fontinfo& info, const std::uint8_t* data, std::size_t size, int fontStart);
 
 }  // namespace plakard

@@ -78,6 +78,27 @@ void blendGlyph(Canvas& canvas, const unsigned char* coverage, int width, int he
     }
 }
 
+// stb sizes a glyph's bitmap from its box with int arithmetic and no checks:
+// the box of a corrupt glyph can be inverted (a negative size to allocate) or
+// too large to count in an int (twice the width included). stb could make no
+// bitmap for such a glyph, and there is nothing to draw for one that lands
+// wholly outside the canvas, so those are never rasterised.
+bool worthRasterising(const stbtt_fontinfo& info, int codePoint, float scale, double pen, std::int64_t baselineRow,
+                      const Canvas& canvas) {
+    int x0 = 0;
+    int y0 = 0;
+    int x1 = 0;
+    int y1 = 0;
+    stbtt_GetCodepointBitmapBox(&info, codePoint, scale, scale, &x0, &y0, &x1, &y1);
+    const std::int64_t width = std::int64_t{x1} - x0;
+    const std::int64_t height = std::int64_t{y1} - y0;
+    constexpr std::int64_t intMax = std::numeric_limits<int>::max();
+    if (width < 1 || height < 1 || width > (intMax - 1) / 2 || width > intMax / height) return false;
+    const Span rows = visible(sum(baselineRow, y0), height, canvas.height);
+    const Span columns = visible(sum(roundToInt64(pen), x0), width, canvas.width);
+    return rows.first < rows.end && columns.first < columns.end;
+}
+
 }  // namespace
 
 double Font::advanceUnits(std::string_view text) const {
@@ -130,18 +151,19 @@ void Font::drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x
     for (char32_t c : codePoints(text)) {
         const int codePoint = static_cast<int>(c);
         if (!first) pen += scale * stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
-        int width = 0;
-        int height = 0;
-        int xOffset = 0;
-        int yOffset = 0;
-        // One glyph at a time, freed before the next: no cache outlives its glyph.
-        GlyphBitmap bitmap(
-            stbtt_GetCodepointBitmap(&info, 0, glyphScale, codePoint, &width, &height, &xOffset, &yOffset));
-        if (bitmap) {
-            blendGlyph(canvas, bitmap.get(), width, height, sum(roundToInt64(pen), xOffset),
-                       sum(baselineRow, yOffset), colour);
+        if (worthRasterising(info, codePoint, glyphScale, pen, baselineRow, canvas)) {
+            int width = 0;
+            int height = 0;
+            int xOffset = 0;
+            int yOffset = 0;
+            // One glyph at a time, freed before the next: no cache outlives its glyph.
+            GlyphBitmap bitmap(
+                stbtt_GetCodepointBitmap(&info, 0, glyphScale, codePoint, &width, &height, &xOffset, &yOffset));
+            if (bitmap) {
+                blendGlyph(canvas, bitmap.get(), width, height, sum(roundToInt64(pen), xOffset),
+                           sum(baselineRow, yOffset), colour);
+            }
         }
-        bitmap.reset();
         pen += scale * advanceWidth(info, codePoint);
         previous = codePoint;
         first = false;

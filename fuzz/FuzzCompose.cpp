@@ -1,0 +1,67 @@
+// Hostile captures and headlines through the whole page composer, with the
+// real headline face: a page comes back, or the decode, legibility or
+// missing-glyph error.
+//
+// Input: one byte of choices (layout and colours), one byte n, n bytes of
+// headline as typed after --headline, then the capture file's bytes.
+
+#include <stb_image.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "cli/Headline.hpp"
+#include "compose/ComposeRequest.hpp"
+#include "compose/PageComposer.hpp"
+#include "platform/PlakardError.hpp"
+#include "raster/Decode.hpp"
+#include "type/Font.hpp"
+
+namespace {
+
+// The capture is resampled into the phone; a huge one only costs time.
+constexpr std::int64_t largestPixelCount = 2048 * 2048;
+
+std::shared_ptr<const plakard::Font> headlineFace() {
+    static const std::shared_ptr<const plakard::Font> face = plakard::Font::load(PLAKARD_FUZZ_FONT);
+    return face;
+}
+
+bool hugeImage(std::span<const std::uint8_t> bytes) {
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    return !bytes.empty() && bytes.size() <= INT32_MAX &&
+           stbi_info_from_memory(bytes.data(), static_cast<int>(bytes.size()), &width, &height, &channels) &&
+           std::int64_t{width} * height > largestPixelCount;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return -1;
+    const std::uint8_t choices = data[0];
+    const std::size_t headlineSize = std::min<std::size_t>(data[1], size - 2);
+    const std::string headline(reinterpret_cast<const char*>(data) + 2, headlineSize);
+    const std::span<const std::uint8_t> capture(data + 2 + headlineSize, size - 2 - headlineSize);
+    if (hugeImage(capture)) return -1;
+    try {
+        const plakard::ComposeRequest request{
+            .width = 120,
+            .height = 260,
+            .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
+            .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
+            .lines = plakard::headlineLines(headline),
+            .screenshot = plakard::decodedImage(capture, "fuzz.png"),
+            .layout = (choices & 1) ? plakard::Layout::deviceTop : plakard::Layout::hero,
+            .font = headlineFace(),
+        };
+        const plakard::Canvas page = plakard::composePage(request);
+        if (page.width != 120 || page.height != 260) __builtin_trap();
+    } catch (const plakard::PlakardError&) {
+    }
+    return 0;
+}

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Replays every fuzz target's corpus and the committed crash files, then fuzzs
+# each target for a while under ASan + UBSan. Any crash, hang, leak or
+# sanitizer report fails the run; libFuzzer writes the input it found into
+# BUILD_DIR/fuzz-artifacts/<target>/.
+#
+#   fuzz/run.sh BUILD_DIR [SECONDS_PER_TARGET] [TARGET...]
+#
+# New corpus entries gather in BUILD_DIR/fuzz-corpus/<target>; the committed
+# corpus in fuzz/corpus/<target> is only read. A long campaign is the same
+# script with more seconds and KEEP_GOING=1, which runs one fork at a time and
+# goes on past crashes, collecting every artifact.
+set -euo pipefail
+
+build=$1
+seconds=${2:-30}
+shift $(( $# > 1 ? 2 : 1 ))
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || targets=(fuzz_image fuzz_font fuzz_options fuzz_compose)
+here=$(cd "$(dirname "$0")" && pwd)
+crashers="$(cd "$here/.." && pwd)/tests/data/crashers"
+
+"$here/seed.sh" "$build/fuzz-seeds" >/dev/null
+for target in "${targets[@]}"; do
+  binary="$build/fuzz/$target"
+  corpus="$build/fuzz-corpus/$target"
+  artifacts="$build/fuzz-artifacts/$target"
+  mkdir -p "$corpus" "$artifacts"
+  inputs=("$corpus")
+  for dir in "$here/corpus/$target" "$build/fuzz-seeds/$target" "$crashers/$target"; do
+    [ -d "$dir" ] && inputs+=("$dir")
+  done
+  common=(-timeout=10 -rss_limit_mb=4096 -artifact_prefix="$artifacts/" -print_final_stats=1)
+  [ -f "$here/$target.dict" ] && common+=(-dict="$here/$target.dict")
+
+  echo "== $target: replaying ${inputs[*]:1}"
+  "$binary" "${common[@]}" -runs=0 "${inputs[@]:1}"
+  echo "== $target: fuzzing for ${seconds}s"
+  if [ -n "${KEEP_GOING:-}" ]; then
+    "$binary" "${common[@]}" -max_total_time="$seconds" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 \
+      -ignore_ooms=1 "${inputs[@]}"
+  else
+    "$binary" "${common[@]}" -max_total_time="$seconds" "${inputs[@]}"
+  fi
+done
