@@ -49,14 +49,12 @@ bench: deps
 	cmake --build $(BUILD) -j $(JOBS) --target plakard_bench
 	$(BUILD)/bench/plakard_bench
 
-<<<<<<< HEAD
 bench-peers: build
 	scripts/bench-peers.sh $(BUILD)
-=======
+
 fuzz:
 	scripts/install-deps.sh --fuzz $(FUZZ)
 	cmake -S . -B $(FUZZ) -DCMAKE_CXX_COMPILER=$(FUZZ_CXX) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 	  -DPLAKARD_BUILD_FUZZ=ON -DPLAKARD_BUILD_TESTS=OFF -DPLAKARD_WERROR=$(WERROR) $(CMAKE_FLAGS)
 	cmake --build $(FUZZ) -j $(JOBS) --target fuzz_image fuzz_font fuzz_options fuzz_compose
 	fuzz/run.sh $(FUZZ) $(FUZZ_SECONDS)
->>>>>>> fuzz
