@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Composes the sample captures into store pages with a built plakard, as a demonstration:
+# each capture at 1290x2796 in both layouts and at the 13-inch iPad size 2064x2752 in hero,
+# plus one plain resize of a capture to 1290x2796. The binary prints every path it writes.
+#
+#   scripts/demo.sh BINARY OUTDIR
+set -euo pipefail
+
+if [[ $# -ne 2 ]]; then
+  echo "usage: scripts/demo.sh BINARY OUTDIR" >&2
+  exit 2
+fi
+binary="$1"
+outdir="$2"
+samples="$(cd "$(dirname "${BASH_SOURCE[0]}")/../samples" && pwd)"
+
+[[ -x "$binary" ]] || { echo "demo.sh: '$binary' is not an executable" >&2; exit 1; }
+for capture in "$samples/capture-1.png" "$samples/capture-2.png"; do
+  [[ -f "$capture" ]] || { echo "demo.sh: missing sample $capture" >&2; exit 1; }
+done
+mkdir -p "$outdir"
+
+phone=1290x2796
+ipad=2064x2752
+
+# name  capture  background  foreground  headline
+pages=(
+  "subscriptions|capture-1.png|#1F1F23|#FFFFFF|TRACK|EVERY SUBSCRIPTION"
+  "insights|capture-2.png|#5B4CF0|#FFFFFF|SEE WHERE|YOUR MONEY GOES"
+)
+
+compose() { # name capture bg fg headline size layout
+  "$binary" compose --bg "$3" --fg "$4" --headline "$5" \
+    --screenshot "$samples/$2" --out "$outdir/$1-$7-$6.png" --size "$6" --layout "$7"
+}
+
+for page in "${pages[@]}"; do
+  IFS='|' read -r name capture bg fg headline <<<"$page"
+  compose "$name" "$capture" "$bg" "$fg" "$headline" "$phone" hero
+  compose "$name" "$capture" "$bg" "$fg" "$headline" "$phone" device-top
+  compose "$name" "$capture" "$bg" "$fg" "$headline" "$ipad" hero
+done
+
+"$binary" resize --in "$samples/capture-1.png" --out "$outdir/subscriptions-resized-$phone.png" --size "$phone"
