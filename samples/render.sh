@@ -1,13 +1,18 @@
 #!/usr/bin/env bash
-# Regenerates the sample captures samples/capture-N.png from the HTML screens in samples/html/.
+# Regenerates the sample captures samples/capture-N.png from the HTML screens in samples/html/,
+# and the two real-input fixtures of the end-to-end tests made from them:
+#   tests/data/images/browser-screenshot.png  a plain browser screenshot, 390x844 at scale 1
+#   tests/data/images/capture.jpg             capture-1 as a 400 px wide JPEG, quality 85
 # A phone screen is 393x852 points; at a device scale of 3 that is a 1179x2556 capture.
-# Needs Debian's chromium, optipng and python3 (sample tooling only, not a build dependency).
+# Needs Debian's chromium, optipng, imagemagick and python3 (sample tooling, not a build dependency).
 set -euo pipefail
 
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+fixtures="$(cd "$here/.." && pwd)/tests/data/images"
 chrome="$(command -v chromium || command -v chromium-browser || true)"
 [[ -n "$chrome" ]] || { echo "render.sh: chromium not found (apt-get install chromium)" >&2; exit 1; }
 command -v optipng >/dev/null || { echo "render.sh: optipng not found (apt-get install optipng)" >&2; exit 1; }
+command -v convert >/dev/null || { echo "render.sh: convert not found (apt-get install imagemagick)" >&2; exit 1; }
 
 profile="$(mktemp -d)"
 trap 'rm -rf "$profile"' EXIT
@@ -34,4 +39,10 @@ PY
 }
 
 render "$here/html/subscriptions.html" "$here/capture-1.png" 393 852 3
+render "$here/html/insights.html"      "$here/capture-2.png" 393 852 3
 
+mkdir -p "$fixtures"
+render "$here/html/insights.html" "$fixtures/browser-screenshot.png" 390 844 1
+# -strip keeps the JPEG free of profiles and dates, so a re-run gives the same bytes.
+convert "$here/capture-1.png" -resize 400x -strip -quality 85 "$fixtures/capture.jpg"
+echo "$fixtures/capture.jpg"

@@ -1,21 +1,44 @@
 #!/usr/bin/env bash
-# Composes the bundled sample capture the way a store listing needs it: the
-# 6.9-inch iPhone size in both layouts, one 13-inch iPad size, and a plain
-# resize of the capture to the iPhone size.
+# Composes the sample captures into store pages with a built plakard, as a demonstration:
+# each capture at 1290x2796 in both layouts and at the 13-inch iPad size 2064x2752 in hero,
+# plus one plain resize of a capture to 1290x2796. The binary prints every path it writes.
 #
-#   scripts/demo.sh PLAKARD_BINARY OUTDIR
+#   scripts/demo.sh BINARY OUTDIR
 set -euo pipefail
 
-plakard=${1:?usage: scripts/demo.sh PLAKARD_BINARY OUTDIR}
-out=${2:?usage: scripts/demo.sh PLAKARD_BINARY OUTDIR}
-here=$(cd "$(dirname "$0")/.." && pwd)
-capture="$here/samples/capture-1.png"
+if [[ $# -ne 2 ]]; then
+  echo "usage: scripts/demo.sh BINARY OUTDIR" >&2
+  exit 2
+fi
+binary="$1"
+outdir="$2"
+samples="$(cd "$(dirname "${BASH_SOURCE[0]}")/../samples" && pwd)"
 
-"$plakard" probe "$capture"
-"$plakard" compose --size 1290x2796 --bg '#1F1F23' --headline 'Track|every subscription' \
-  --screenshot "$capture" --out "$out/iphone-hero.png"
-"$plakard" compose --size 1290x2796 --bg '#5B4CF0' --headline 'Never miss|a renewal again' \
-  --screenshot "$capture" --out "$out/iphone-device-top.png" --layout device-top
-"$plakard" compose --size 2064x2752 --bg '#0F9F6E' --fg '#FFFFFF' --headline 'All your plans|in one calm place' \
-  --screenshot "$capture" --out "$out/ipad-hero.png"
-"$plakard" resize --in "$capture" --out "$out/iphone-resized.png" --size 1290x2796
+[[ -x "$binary" ]] || { echo "demo.sh: '$binary' is not an executable" >&2; exit 1; }
+for capture in "$samples/capture-1.png" "$samples/capture-2.png"; do
+  [[ -f "$capture" ]] || { echo "demo.sh: missing sample $capture" >&2; exit 1; }
+done
+mkdir -p "$outdir"
+
+phone=1290x2796
+ipad=2064x2752
+
+# name  capture  background  foreground  headline
+pages=(
+  "subscriptions|capture-1.png|#1F1F23|#FFFFFF|TRACK|EVERY SUBSCRIPTION"
+  "insights|capture-2.png|#5B4CF0|#FFFFFF|SEE WHERE|YOUR MONEY GOES"
+)
+
+compose() { # name capture bg fg headline size layout
+  "$binary" compose --bg "$3" --fg "$4" --headline "$5" \
+    --screenshot "$samples/$2" --out "$outdir/$1-$7-$6.png" --size "$6" --layout "$7"
+}
+
+for page in "${pages[@]}"; do
+  IFS='|' read -r name capture bg fg headline <<<"$page"
+  compose "$name" "$capture" "$bg" "$fg" "$headline" "$phone" hero
+  compose "$name" "$capture" "$bg" "$fg" "$headline" "$phone" device-top
+  compose "$name" "$capture" "$bg" "$fg" "$headline" "$ipad" hero
+done
+
+"$binary" resize --in "$samples/capture-1.png" --out "$outdir/subscriptions-resized-$phone.png" --size "$phone"
