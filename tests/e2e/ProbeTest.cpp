@@ -1,3 +1,6 @@
+#include <cctype>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,6 +54,51 @@ TEST_F(ProbeTest, UndecodableFilesNameOnlyTheFile) {
     EXPECT_EQ(damaged.status, 1);
     EXPECT_EQ(damaged.out, "7x5\n");
     EXPECT_TRUE(damaged.err.starts_with("plakard: cannot decode damaged.png: ")) << damaged.err;
+}
+
+}  // namespace
+}  // namespace plakard::test
+
+namespace plakard::test {
+namespace {
+
+// Real files of every kind a user feeds in: each gives its size through
+// probe and an opaque RGB PNG of the asked size through resize, or one
+// decode line naming the file.
+TEST_F(EndToEnd, RealInputsProbeAndResizeOrFailWithTheDecoderReason) {
+    struct Case {
+        const char* name;
+        const char* probed;  // "WxH", or the decoder's reason
+    };
+    const Case cases[] = {
+        {"browser-screenshot.png", "390x844"}, {"capture.jpg", "400x867"},
+        {"grey.png", "4x2"},                   {"grey-alpha.png", "2x2"},
+        {"palette.png", "3x2"},                {"sixteen-bit.png", "3x2"},
+        {"interlaced.png", "13x11"},           {"progressive.jpg", "32x16"},
+        {"empty.png", "unknown image type"},   {"text.png", "unknown image type"},
+        {"not-an-image.gif", "unknown image type"}, {"truncated.png", "outofdata"},
+    };
+    for (const Case& c : cases) {
+        const std::string name = c.name;
+        provide("images/" + name, name);
+        const std::vector<std::string> probe{"probe", name};
+        const std::vector<std::string> resize{"resize", "--in", name, "--out", "out/" + name + ".png", "--size",
+                                              "31x17"};
+        if (std::string(c.probed).find('x') != std::string::npos && std::isdigit(c.probed[0])) {
+            expectRun(probe, run(probe), 0, std::string(c.probed) + "\n", "");
+            expectRun(resize, run(resize), 0, (folder() / "out" / (name + ".png")).string() + "\n", "");
+            const std::optional<PNGHeader> header = pngHeader(folder() / "out" / (name + ".png"));
+            ASSERT_TRUE(header) << name;
+            EXPECT_EQ(header->width, 31u) << name;
+            EXPECT_EQ(header->height, 17u) << name;
+            EXPECT_EQ(header->colourType, 2) << name;
+        } else {
+            const std::string message = "cannot decode " + name + ": " + c.probed + " (PNG and JPEG only)";
+            expectFailure(probe, message);
+            expectFailure(resize, message);
+            EXPECT_FALSE(std::filesystem::exists(folder() / "out" / (name + ".png"))) << name;
+        }
+    }
 }
 
 }  // namespace
