@@ -38,7 +38,8 @@ Replay loaded(const std::string& name) {
 TEST(FontCrashers, FacesStbWouldReadPastOrAssertOnOrRecurseForeverAreRefused) {
     for (const std::string name :
          {"cff-index-past-table.otf", "cff-glyph-without-charstring.otf", "cff-hint-mask-past-charstring.otf",
-          "cmap-group-of-negative-glyph-ids.ttf", "cmap-group-wrapping-past-glyph-ids.ttc",
+          "cmap-group-of-negative-glyph-ids.ttf", "cmap-group-of-negative-glyph-ids.otf",
+          "cmap-group-wrapping-past-glyph-ids.ttc",
           "glyph-points-past-glyph.ttf", "off-curve-last-point.ttf", "composite-cycle.ttf",
           "composite-point-matching.ttf"}) {
         try {
