@@ -191,3 +191,12 @@ write(crashers, "off-curve-last-point.ttf", saved(truetype(lone_point=True)), TE
 damaged = bytearray(otf)
 struct.pack_into(">H", damaged, cff + charstrings, len(ORDER) - 1)
 write(crashers, "cff-glyph-without-charstring.otf", damaged, TEXT)
+
+# O's header puts its box below the baseline while its ring stands above it:
+# stb made a bitmap whose first row is the baseline's, met edges wholly above
+# that row and asserted.
+damaged = bytearray(ttf)
+g = glyph_offset(damaged, "O")
+struct.pack_into(">h", damaged, g + 4, -720)
+struct.pack_into(">h", damaged, g + 8, 0)
+write(crashers, "glyph-ink-above-its-box.ttf", damaged, TEXT)

@@ -241,11 +241,14 @@ Span subroutine(CompactFontWalk& walk, const Span& index, std::int64_t n) {
 
 // Drawing or measuring a glyph runs its charstring. stb's interpreter has no
 // budget: subroutines that call each other ten deep, each many times over,
-// run for ever, and the pen can travel beyond the ints its coordinates are
+// run for ever, the outline they draw can have more edges than rasterising
+// can get through, and the pen can travel beyond the ints its coordinates are
 // turned into. It asserts when a hint mask runs past the charstring. Its
 // control flow is followed here (the operand values matter only as
-// subroutine numbers and pen travel), within a budget no real glyph nears.
+// subroutine numbers and pen travel), within budgets no real glyph nears (a
+// dense ideograph draws with a few thousand operands).
 constexpr std::uint64_t mostOperators = 1 << 16;
+constexpr std::uint64_t mostPathOperands = 1 << 18;
 constexpr double farthestTravel = 1 << 30;
 
 void charStringSound(CompactFontWalk& walk, Span b, const Span& localSubroutines, const Span& globalSubroutines) {
@@ -256,16 +259,19 @@ void charStringSound(CompactFontWalk& walk, Span b, const Span& localSubroutines
     Span callers[10];
     int depth = 0;
     std::uint64_t operators = 0;
+    std::uint64_t pathOperands = 0;
     double travel = 0;
-    // A path operator with at least `needed` operands moves the pen by some of
-    // them; all of them bound how far.
+    // A path operator with at least `needed` operands draws with some of them
+    // and moves the pen by some; all of them bound how much and how far.
     auto draws = [&](int needed) {
         if (sp < needed) return false;  // stb stops drawing the glyph
+        pathOperands += static_cast<std::uint64_t>(sp);
         for (int i = 0; i < sp; ++i) travel += std::abs(static_cast<double>(s[i]));
         return true;
     };
     while (b.cursor < b.size && walk.ok()) {
-        if (++operators > mostOperators || travel > farthestTravel) return walk.fail();
+        if (++operators > mostOperators || pathOperands > mostPathOperands || travel > farthestTravel)
+            return walk.fail();
         bool clearStack = true;
         const std::uint32_t b0 = walk.get8(b);
         switch (b0) {

@@ -313,10 +313,11 @@ void compositeOutlineInside(Reader& r, const Table& glyph, Outline& outline) {
 
 // stb builds a composite by calling itself for each component: a cycle, or
 // nesting deeper than real fonts go, would run it out of stack, and
-// components used many times over can multiply the vertices beyond its int
-// counts. Its transformed coordinates go back into 16 bits, so they must fit.
+// components used many times over can multiply the vertices beyond what
+// rasterising can get through (real glyphs have a few thousand at most). Its
+// transformed coordinates go back into 16 bits, so they must fit.
 constexpr std::uint64_t deepestNesting = 32;
-constexpr std::uint64_t mostVertices = 1 << 22;
+constexpr std::uint64_t mostVertices = 1 << 18;
 
 void compositesSound(Reader& r, std::vector<Outline>& outlines) {
     enum class State : std::uint8_t { unseen, open, done };

@@ -78,11 +78,28 @@ void blendGlyph(Canvas& canvas, const unsigned char* coverage, int width, int he
     }
 }
 
+struct FreeGlyphShape {
+    const stbtt_fontinfo* info;
+    void operator()(stbtt_vertex* vertices) const { stbtt_FreeShape(info, vertices); }
+};
+
+// Whether any point of the glyph's outline lies above the baseline.
+bool inkAboveBaseline(const stbtt_fontinfo& info, int codePoint) {
+    stbtt_vertex* vertices = nullptr;
+    const int count = stbtt_GetCodepointShape(&info, codePoint, &vertices);
+    const std::unique_ptr<stbtt_vertex, FreeGlyphShape> shape(vertices, FreeGlyphShape{&info});
+    for (int i = 0; i < count; ++i) {
+        if (vertices[i].y > 0 || vertices[i].cy > 0 || vertices[i].cy1 > 0) return true;
+    }
+    return false;
+}
+
 // stb sizes a glyph's bitmap from its box with int arithmetic and no checks:
 // the box of a corrupt glyph can be inverted (a negative size to allocate) or
 // too large to count in an int (twice the width included). stb could make no
 // bitmap for such a glyph, and there is nothing to draw for one that lands
-// wholly outside the canvas, so those are never rasterised.
+// wholly outside the canvas, so those are never rasterised; nor is one stb
+// would trip over, below.
 bool worthRasterising(const stbtt_fontinfo& info, int codePoint, float scale, double pen, std::int64_t baselineRow,
                       const Canvas& canvas) {
     int x0 = 0;
@@ -94,6 +111,10 @@ bool worthRasterising(const stbtt_fontinfo& info, int codePoint, float scale, do
     const std::int64_t height = std::int64_t{y1} - y0;
     constexpr std::int64_t intMax = std::numeric_limits<int>::max();
     if (width < 1 || height < 1 || width > (intMax - 1) / 2 || width > intMax / height) return false;
+    // The box comes from the glyph's header, and a corrupt one can leave ink
+    // above it. stb clips edges above the bitmap's first row, except when that
+    // row is the baseline's (it asserts there instead).
+    if (y0 == 0 && inkAboveBaseline(info, codePoint)) return false;
     const Span rows = visible(sum(baselineRow, y0), height, canvas.height);
     const Span columns = visible(sum(roundToInt64(pen), x0), width, canvas.width);
     return rows.first < rows.end && columns.first < columns.end;
