@@ -26,7 +26,7 @@ build_dir=${1:-build}
 # font collection.
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
           libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
-          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei)
+          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei strace)
 if $fuzz; then
   packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
 fi

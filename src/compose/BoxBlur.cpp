@@ -16,9 +16,9 @@ namespace plakard {
 
 namespace {
 
-// Sums are 32-bit: 255 x span, and 2 x sum + span for the rounding, must stay
-// below 2^31. A half-width of a million pixels is far beyond any page.
-constexpr std::int64_t maxHalfWidth = 1 << 20;
+// Spans stay below 2^14, which keeps the float division below exact. The
+// widest a page asks for (a 20000-pixel page's shadow) is 672.
+constexpr std::int64_t maxHalfWidth = (1 << 13) - 1;
 
 // round(sum / n) for a window of n (odd) bytes, halves up, is
 // floor((2 sum + n) / 2n). The numerator is odd and the divisor even, so the
@@ -26,20 +26,12 @@ constexpr std::int64_t maxHalfWidth = 1 << 20;
 // While n < 2^14 the numerator (below 2^23) is exact in float, and its product
 // with the rounded reciprocal carries two roundings: a relative error below
 // 2^-23, so less than 2^-15 absolute, which is below 1/2n. Truncating the
-// product therefore gives the exact floor; double has room far beyond. Unlike
-// an integer division this vectorises.
-template <typename Real>
-void divideSums(const std::int32_t* sums, std::uint8_t* out, std::size_t count, std::int32_t n) {
-    const Real inverse = Real(1) / static_cast<Real>(2 * n);
-    for (std::size_t i = 0; i < count; ++i)
-        out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(static_cast<Real>(2 * sums[i] + n) * inverse));
-}
-
+// product therefore gives the exact floor. Unlike an integer division this
+// vectorises.
 void divide(const std::int32_t* sums, std::uint8_t* out, std::size_t count, std::int32_t n) {
-    if (n < (1 << 14))
-        divideSums<float>(sums, out, count, n);
-    else
-        divideSums<double>(sums, out, count, n);
+    const float inverse = 1.0f / static_cast<float>(2 * n);
+    for (std::size_t i = 0; i < count; ++i)
+        out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(static_cast<float>(2 * sums[i] + n) * inverse));
 }
 
 // The part of the image that is not one uniform value. A box pass leaves a

@@ -12,13 +12,6 @@ std::uint8_t roundedByte(double value) {
     return static_cast<std::uint8_t>(std::clamp(rounded, 0.0, 255.0));
 }
 
-// The shapes' rule weighs the destination as (1 - a) x (da x channel), the
-// text's as ((1 - a) x da) x channel. The two orders can differ in the last
-// bit, which rounding turns into a different byte on translucent destinations,
-// so each keeps its own.
-enum class Weighting { destinationFirst, coverageFirst };
-
-template <Weighting weighting>
 void blend(std::uint8_t* pixel, RGBA colour, double coverage) {
     if (!(coverage > 0)) return;
     double a = colour.a / 255.0;
@@ -28,10 +21,7 @@ void blend(std::uint8_t* pixel, RGBA colour, double coverage) {
     const double k = 1 - a;
     const double outAlpha = a + k * da;
     if (!(outAlpha > 0)) return;
-    auto weighted = [&](std::uint8_t channel) {
-        if constexpr (weighting == Weighting::destinationFirst) return k * (da * channel);
-        else return (k * da) * channel;
-    };
+    auto weighted = [&](std::uint8_t channel) { return k * (da * channel); };
     const double red = (a * colour.r + weighted(pixel[0])) / outAlpha;
     const double green = (a * colour.g + weighted(pixel[1])) / outAlpha;
     const double blue = (a * colour.b + weighted(pixel[2])) / outAlpha;
@@ -43,13 +33,11 @@ void blend(std::uint8_t* pixel, RGBA colour, double coverage) {
 
 }  // namespace
 
-void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) {
-    blend<Weighting::destinationFirst>(pixel, colour, coverage);
-}
+void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) { blend(pixel, colour, coverage); }
 
-void blendGlyphInto(std::uint8_t* pixel, RGBA colour, double coverage) {
-    blend<Weighting::coverageFirst>(pixel, colour, coverage);
-}
+// Text only ever lands on the opaque page, where the destination alpha is
+// exactly 1 and every order of weighting gives the same bytes.
+void blendGlyphInto(std::uint8_t* pixel, RGBA colour, double coverage) { blend(pixel, colour, coverage); }
 
 void blendPixel(Canvas& canvas, std::int64_t x, std::int64_t y, RGBA colour, double coverage) {
     if (x < 0 || y < 0 || x >= canvas.width || y >= canvas.height) return;

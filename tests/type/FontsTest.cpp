@@ -1,0 +1,86 @@
+// Faces as the loader meets them: real ones from Debian's font packages, every
+// prefix of them, crafted ones that break one table rule each, and the files
+// that once crashed the fuzz targets.
+#include <gtest/gtest.h>
+
+#include "platform/PlakardError.hpp"
+#include "raster/Canvas.hpp"
+#include "support/Support.hpp"
+#include "type/Font.hpp"
+
+namespace plakard::test {
+namespace {
+
+std::span<const std::uint8_t> bytesOf(const std::string& text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+// The loader's refusal, or "" when the face loaded.
+std::string refusal(std::span<const std::uint8_t> bytes, const std::string& name) {
+    try {
+        Font::fromData(bytes, name);
+        return "";
+    } catch (const PlakardError& error) {
+        return error.description;
+    }
+}
+
+TEST(Fonts, RealFacesLoadWithTheirEmAndNoPrefixOfThemIsReadPastItsEnd) {
+    const std::pair<const char*, double> faces[] = {
+        {"/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf", 2048},
+        {"/usr/share/fonts/opentype/inter/Inter-Black.otf", 2815.9999160766624},
+        {"/usr/share/fonts/truetype/noto/NotoSansMono-Regular.ttf", 999.999952502551},
+        {"/usr/share/fonts/truetype/wqy/wqy-microhei.ttc", 2048},
+    };
+    for (const auto& [path, em] : faces) {
+        EXPECT_NEAR(Font::load(path)->unitsPerEm, em, 1e-9) << path;
+        const std::string bytes = readBytes(path);
+        // Prefixes through the table directory, then across the whole file:
+        // refused, or whole enough for everything that is read.
+        for (std::size_t size = 12; size < bytes.size(); size += size < 600 ? 1 : bytes.size() / 89) {
+            const std::string refused = refusal(bytesOf(bytes).first(size), "cut");
+            ASSERT_TRUE(refused.empty() || refused == "cut is not a TrueType or OpenType font, or is truncated") << refused;
+        }
+    }
+}
+
+TEST(Fonts, CraftedFacesBreakingOneTableRuleAreRefused) {
+    for (const auto& entry : fs::directory_iterator(dataPath("fonts/refused"))) {
+        const std::string name = entry.path().filename();
+        EXPECT_EQ(refusal(bytesOf(readBytes(entry.path())), name), name + " is not a TrueType or OpenType font, or is truncated");
+    }
+}
+
+// Each crash file is what the target ran: a face followed by 32 bytes of text,
+// or an image. A face is refused, or loads and draws nothing of the broken
+// glyph; an image fails with a printable reason.
+TEST(Fonts, CrashFilesOfTheFuzzTargetsAreRefusedOrHarmless) {
+    for (const auto& entry : fs::directory_iterator(dataPath("crashers/fuzz_font"))) {
+        const std::string bytes = readBytes(entry.path()), name = entry.path().filename();
+        const std::string face = bytes.substr(0, bytes.size() - 32), text = bytes.substr(bytes.size() - 32);
+        const std::string refused = refusal(bytesOf(face), name);
+        if (!refused.empty()) {
+            EXPECT_EQ(refused, name + " is not a TrueType or OpenType font, or is truncated");
+            continue;
+        }
+        const auto font = Font::fromData(bytesOf(face), name);
+        const Canvas blank(160, 120, RGBA{20, 40, 60, 255});
+        for (const double em : {3.0, 24.0, 96.0}) {
+            Canvas canvas = blank;
+            font->drawLine(name.starts_with("inverted") ? "A" : "O", canvas, {255, 255, 255, 200}, 2, 100, em / font->unitsPerEm);
+            EXPECT_TRUE(canvas == blank) << name << " at " << em;
+            font->drawLine(text, canvas, {255, 255, 255, 255}, 2, 100, em / font->unitsPerEm);
+        }
+    }
+    for (const auto& entry : fs::directory_iterator(dataPath("crashers/fuzz_image"))) {
+        try {
+            Canvas image(entry.path());
+            ADD_FAILURE() << entry.path() << " decoded";
+        } catch (const PlakardError& error) {
+            for (const char c : error.description) EXPECT_TRUE(c >= 0x20 && c < 0x7F) << error.description;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace plakard::test
