@@ -17,8 +17,9 @@ using test::randomCanvas;
 
 // The blur as plainly as it can be said: every output byte sums its whole
 // clamped window afresh and rounds the mean.
-void referencePass(const std::vector<std::uint8_t>& in, std::vector<std::uint8_t>& out, std::int64_t width,
-                   std::int64_t height, std::int64_t k, bool horizontal) {
+template <typename Bytes, typename OutBytes>
+void referencePass(const Bytes& in, OutBytes& out, std::int64_t width, std::int64_t height, std::int64_t k,
+                   bool horizontal) {
     const std::int64_t n = 2 * k + 1;
     for (std::int64_t y = 0; y < height; ++y)
         for (std::int64_t x = 0; x < width; ++x)
