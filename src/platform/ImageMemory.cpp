@@ -98,6 +98,13 @@ void* obtainMapped(std::size_t size, bool& fresh) {
         fresh = false;
         return reused.start;
     }
+    // Kept blocks smaller than this request are stale (the run's buffers
+    // have grown past them): they go back rather than add to the peak.
+    std::erase_if(all.cached, [&](const Mapping& m) {
+        if (m.length >= length) return false;
+        munmap(m.start, m.length);
+        return true;
+    });
     void* block = mapAligned(length);
     if (!block && !all.cached.empty()) {
         // Out of address space or memory: what is kept goes back first.
