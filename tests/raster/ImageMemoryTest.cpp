@@ -8,11 +8,10 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <random>
 
 #include "compose/Pixels.hpp"
 #include "platform/ImageMemory.hpp"
-#include "raster/Canvas.hpp"
+#include "platform/Require.hpp"
 #include "support/TestSupport.hpp"
 
 namespace plakard {
@@ -20,8 +19,7 @@ namespace {
 
 TEST(ImageMemory, GrowingKeepsTheBytesAndZeroedBlocksAreZeroEvenWhenReused) {
     for (std::size_t size : {std::size_t{1000}, std::size_t{3} << 20, std::size_t{5} << 20}) {
-        auto* block = static_cast<std::uint8_t*>(imageMemory::allocate(size));
-        std::memset(block, 0xA5, size);
+        auto* block = static_cast<std::uint8_t*>(std::memset(imageMemory::allocate(size), 0xA5, size));
         block = static_cast<std::uint8_t*>(imageMemory::reallocate(block, size, 2 * size + (1 << 20)));
         EXPECT_TRUE(block[0] == 0xA5 && block[size - 1] == 0xA5) << size;
         imageMemory::release(block);
@@ -38,19 +36,17 @@ TEST(ImageMemory, CoverReadInPlaceEqualsTheCroppedCopyResampled) {
         {10, 15, 10, 20, 30}, {7, 21, 15, 10, 30}, {80, 20, 0, 40, 10}, {40, 10, 0, 40, 10}, {20, 30, 10, 20, 30}};
     for (const auto& c : cases)
         EXPECT_TRUE(image.fitted(c.width, c.height, Fit::cover) ==
-                    image.cropped(c.cropX, 0, c.cropWidth, c.cropHeight).resized(c.width, c.height))
-            << c.width << "x" << c.height;
+                    image.cropped(c.cropX, 0, c.cropWidth, c.cropHeight).resized(c.width, c.height)) << c.width;
 }
 
 TEST(ImageMemory, OpaquePNGsAreSmallerThanStbsOwnDeflateWrites) {
     for (const char* name : {"../../samples/capture-1.png", "golden/page-hero.png", "images/capture.jpg"}) {
         const Canvas canvas(test::dataPath(name));
         std::vector<std::uint8_t> rgb = canvas.flattenedRGB();
-        int stbSize = 0;
-        unsigned char* stbPNG = stbi_write_png_to_mem(rgb.data(), 0, static_cast<int>(canvas.width),
-                                                      static_cast<int>(canvas.height), 3, &stbSize);
-        EXPECT_LT(canvas.pngData(true).size(), static_cast<std::size_t>(stbSize)) << name;
-        std::free(stbPNG);
+        int size = 0;
+        void* own = stbi_write_png_to_mem(rgb.data(), 0, toInt32(canvas.width), toInt32(canvas.height), 3, &size);
+        EXPECT_LT(canvas.pngData(true).size(), static_cast<std::size_t>(size)) << name;
+        std::free(own);
     }
 }
 
