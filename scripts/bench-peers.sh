@@ -2,9 +2,12 @@
 # Times whole plakard runs next to the tools store-listing makers compare it
 # with: libvips (vips, vipsheader), sharp on Node and ImageMagick. Each job is
 # one hyperfine run holding plakard and its peers, so their ratios are fair;
-# every command also runs once under GNU time for its peak RSS.
+# every command also runs once under GNU time for its peak RSS and its minor
+# page faults (first touches of fresh memory, a count the machine's load does
+# not change).
 #
-#   scripts/bench-peers.sh [--peers-only] [--runs N] [--threads N] [--keep] [BUILD_DIR]
+#   scripts/bench-peers.sh [--peers-only] [--runs N] [--threads N] [--keep]
+#                          [--baseline BINARY] [BUILD_DIR]
 #
 #   BUILD_DIR     where the plakard binary was built (default: build)
 #   --peers-only  leave plakard out (also what happens, with a note, when the
@@ -14,13 +17,16 @@
 #   --threads N   cap the peers' worker threads (plakard has one); by default
 #                 each peer uses its own default
 #   --keep        keep the scratch folder (inputs, outputs, raw results)
+#   --baseline BINARY  also time another plakard binary (an earlier build) in
+#                 every job, as "baseline", for before/after figures from the
+#                 same runs
 #
 # The benchmark tools come from Debian (installed here when missing, never
 # added to scripts/install-deps.sh); sharp is installed with npm into the
 # scratch folder, outside the project tree. The table goes to bench/results.md
 # and to standard output.
 # The job tables are read through namerefs, which shellcheck cannot follow.
-# shellcheck disable=SC2034,SC1091
+# shellcheck disable=SC2034,SC1091,SC2178
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -28,6 +34,7 @@ build_dir=build
 runs=10
 threads=
 peers_only=0
+baseline=
 keep=0
 while [ $# -gt 0 ]; do
   case "$1" in
@@ -35,7 +42,8 @@ while [ $# -gt 0 ]; do
     --runs) runs=$2; shift ;;
     --threads) threads=$2; shift ;;
     --keep) keep=1 ;;
-    -h|--help) sed -n '2,22p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    --baseline) baseline=$(realpath "$2"); shift ;;
+    -h|--help) sed -n '2,27p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     -*) echo "bench-peers: unknown option $1" >&2; exit 2 ;;
     *) build_dir=$1 ;;
   esac
@@ -107,6 +115,17 @@ fi
 capture_width=$(vipsheader -f width "$capture")
 capture_height=$(vipsheader -f height "$capture")
 capture_bands=$(vipsheader -f bands "$capture")
+
+# A photo-heavy capture (a gallery app): a grid of photo-like tiles, ImageMagick's
+# seeded plasma fractal with a fine grain, under a title bar and over a tab bar.
+photos="$work/capture-photos.png"
+gutters=()
+for x in 390 783; do gutters+=(-draw "rectangle $x,260 $((x + 5)),2355"); done
+for y in 650 1040 1430 1820 2210; do gutters+=(-draw "rectangle 0,$y 1178,$((y + 5))"); done
+"$magick" -size 1179x2556 -seed 7 plasma:fractal -blur 0x1.5 -attenuate 0.3 +noise Gaussian \
+  -fill white "${gutters[@]}" -draw 'rectangle 0,0 1178,260' \
+  -fill '#1C1C1E' -font /usr/share/fonts/opentype/inter/Inter-Regular.otf -pointsize 64 -annotate +60+200 'Photos' \
+  -fill '#F2F2F7' -draw 'rectangle 0,2356 1178,2555' -alpha off PNG24:"$photos"
 
 # 100 captures for the probe job, as separate files like a real listing run.
 mkdir -p "$work/probe"
@@ -182,16 +201,29 @@ magick_compose=$(tr '\n' ' ' <<<"$magick_compose" | tr -s ' ')
 size_arg="${page_width}x${page_height}"
 # vips thumbnail's --crop low keeps the top rows; it would keep the left
 # columns of a too-wide capture, but a 1179x2556 capture only overhangs below.
-if [ "$capture_bands" -eq 4 ] || [ "$capture_bands" -eq 2 ]; then
-  vips_resize="vips thumbnail $(q "$capture") $work/out/resize-vips.v $page_width --height $page_height --size both --crop low && vips flatten $work/out/resize-vips.v $work/out/resize-vips.png"
-else
-  vips_resize="vips thumbnail $(q "$capture") $work/out/resize-vips.png $page_width --height $page_height --size both --crop low"
-fi
+vips_resize() {  # INPUT OUTPUT_STEM
+  if [ "$(vipsheader -f bands "$1")" -eq 4 ] || [ "$(vipsheader -f bands "$1")" -eq 2 ]; then
+    echo "vips thumbnail $(q "$1") $2.v $page_width --height $page_height --size both --crop low && vips flatten $2.v $2.png"
+  else
+    echo "vips thumbnail $(q "$1") $2.png $page_width --height $page_height --size both --crop low"
+  fi
+}
+# The resize job's commands for one input, into the arrays named TOOLS and CMDS.
+resize_job() {  # JOB INPUT TOOLS CMDS
+  local -n job_tools=$3 job_cmds=$4
+  job_tools=(plakard "vips thumbnail" sharp imagemagick)
+  job_cmds=(
+    "$(q "$plakard") resize --in $(q "$2") --out $work/out/$1-plakard.png --size $size_arg"
+    "$(vips_resize "$2" "$work/out/$1-vips")"
+    "node $(q "$root/bench/peers/resize.js") $(q "$2") $work/out/$1-sharp.png $page_width $page_height"
+    "$magick $(q "$2") -crop ${crop_w}x${crop_h}+${crop_x}+0 +repage -resize ${size_arg}! -alpha off PNG24:$work/out/$1-imagemagick.png")
+}
 
-jobs=(compose resize probe)
+jobs=(compose resize resize-photos probe)
 declare -A job_title=(
   [compose]="compose a ${size_arg} hero page from one ${capture_width}x${capture_height} capture"
   [resize]="resize ${capture_width}x${capture_height} -> ${size_arg}, top-anchored cover, opaque PNG"
+  [resize-photos]="the same resize of a photo-heavy ${capture_width}x${capture_height} capture (a gallery of plasma-fractal tiles, made with ImageMagick)"
   [probe]="probe 100 ${capture_width}x${capture_height} PNG captures in one run (plakard and identify %[mean] decode every image; vipsheader and identify read only the headers)")
 # Per job: tool names and commands, in the order of the table.
 compose_tools=(plakard sharp imagemagick)
@@ -199,12 +231,8 @@ compose_cmds=(
   "$(q "$plakard") compose --size $size_arg --bg '#1F1F23' --headline 'TRACK|EVERY SUBSCRIPTION' --screenshot $(q "$capture") --out $work/out/compose-plakard.png"
   "node $(q "$root/bench/peers/compose.js") $geometry $(q "$capture") $work/out/compose-sharp.png"
   "$magick_compose")
-resize_tools=(plakard "vips thumbnail" sharp imagemagick)
-resize_cmds=(
-  "$(q "$plakard") resize --in $(q "$capture") --out $work/out/resize-plakard.png --size $size_arg"
-  "$vips_resize"
-  "node $(q "$root/bench/peers/resize.js") $(q "$capture") $work/out/resize-sharp.png $page_width $page_height"
-  "$magick $(q "$capture") -crop ${crop_w}x${crop_h}+${crop_x}+0 +repage -resize ${size_arg}! -alpha off PNG24:$work/out/resize-imagemagick.png")
+resize_job resize "$capture" resize_tools resize_cmds
+resize_job resize-photos "$photos" resize_photos_tools resize_photos_cmds
 # identify reads only the headers unless a format needs the pixels: %[mean]
 # makes it decode every image in full, as plakard's probe does.
 probe_tools=(plakard vipsheader identify "identify %[mean]")
@@ -213,6 +241,17 @@ probe_cmds=(
   "vipsheader $work/probe/*.png"
   "$identify $work/probe/*.png"
   "$identify -format '%wx%h %[mean]\\n' $work/probe/*.png")
+
+# The baseline runs plakard's own commands, right after plakard in each job.
+if [ -n "$baseline" ]; then
+  for job in "${jobs[@]}"; do
+    declare -n tools="${job//-/_}_tools" cmds="${job//-/_}_cmds"
+    base_cmd=${cmds[0]//"$(q "$plakard")"/"$(q "$baseline")"}
+    tools=(plakard baseline "${tools[@]:1}")
+    cmds=("${cmds[0]}" "${base_cmd//-plakard.png/-baseline.png}" "${cmds[@]:1}")
+    unset -n tools cmds
+  done
+fi
 
 [ "$runs" -lt 10 ] && note "only $runs runs per command: a trial, not figures to publish"
 if [ "$peers_only" -eq 1 ]; then
@@ -224,7 +263,7 @@ fi
 
 : > "$work/results/measures.tsv"
 for job in "${jobs[@]}"; do
-  declare -n tools="${job}_tools" cmds="${job}_cmds"
+  declare -n tools="${job//-/_}_tools" cmds="${job//-/_}_cmds"
   echo
   echo "bench-peers: $job: ${job_title[$job]}"
   hyperfine_args=()
@@ -241,10 +280,10 @@ for job in "${jobs[@]}"; do
       continue
     fi
     rss=$(awk -F': ' '/Maximum resident set size/ { print $2 }' "$stats")
+    faults=$(awk -F': ' '/Minor \(reclaiming a frame\) page faults/ { print $2 }' "$stats")
     output="$work/out/$job-${tool%% *}.png"
-    [ "$job" = resize ] && [ "$tool" = "vips thumbnail" ] && output="$work/out/resize-vips.png"
     if [ "$job" = probe ]; then bytes=-; else bytes=$(stat -c %s "$output"); fi
-    printf '%s\t%s\t%s\t%s\n' "$job" "$tool" "$rss" "$bytes" >> "$work/results/measures.tsv"
+    printf '%s\t%s\t%s\t%s\t%s\n' "$job" "$tool" "$rss" "$bytes" "$faults" >> "$work/results/measures.tsv"
     hyperfine_args+=(-n "$tool" "$cmd")
   done
   if [ ${#hyperfine_args[@]} -gt 0 ]; then
@@ -280,7 +319,8 @@ results="$root/bench/results.md"
   echo
   echo "Median wall time of $runs runs after 2 warm-ups (hyperfine, one run per job with"
   echo "every tool in it); ratio = the tool's median / plakard's, so above 1 means plakard"
-  echo "was faster. Peak RSS from one run under \`/usr/bin/time -v\`; output bytes of that run."
+  echo "was faster; CPU is the mean user + system time. Peak RSS and minor page faults"
+  echo "from one run under \`/usr/bin/time -v\`; output bytes of that run."
   echo
   for job in "${jobs[@]}"; do echo "- **$job**: ${job_title[$job]}"; done
   echo
@@ -295,6 +335,7 @@ results="$root/bench/results.md"
   echo "- $(vips --version), $("$magick" -version | head -1 | sed 's/^Version: //;s/ https.*//')"
   echo "- $(hyperfine --version); peer threads: $thread_note"
   echo "- Capture: $( [ "$capture" = "$root/samples/capture-1.png" ] && echo samples/capture-1.png || echo 'stand-in'), ${capture_width}x${capture_height}, $capture_bands bands, $(stat -c %s "$capture") bytes"
+  echo "- Photo-heavy capture: 1179x2556, 3 bands, $(stat -c %s "$photos") bytes"
   if [ ${#notes[@]} -gt 0 ]; then
     echo
     echo "Notes:"
@@ -306,7 +347,7 @@ results="$root/bench/results.md"
   echo
   echo '```'
   for job in "${jobs[@]}"; do
-    declare -n tools="${job}_tools" cmds="${job}_cmds"
+    declare -n tools="${job//-/_}_tools" cmds="${job//-/_}_cmds"
     for i in "${!tools[@]}"; do
       shown=${cmds[$i]//$work/\$WORK}
       printf '# %s / %s\n%s\n' "$job" "${tools[$i]}" "${shown//$root\//}"

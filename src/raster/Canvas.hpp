@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "raster/Fit.hpp"
+#include "raster/PixelBuffer.hpp"
 #include "raster/RGBA.hpp"
 
 namespace plakard {
@@ -16,14 +17,15 @@ namespace plakard {
 struct Canvas {
     std::int64_t width = 0;
     std::int64_t height = 0;
-    std::vector<std::uint8_t> pixels;
+    PixelBuffer pixels;
 
     // A canvas whose every pixel is `fill`. A size below 1 or a byte count
     // beyond 64 bits is a broken precondition.
     Canvas(std::int64_t width, std::int64_t height, RGBA fill);
 
     // Adopts pixels that already hold width x height x 4 bytes.
-    Canvas(std::int64_t width, std::int64_t height, std::vector<std::uint8_t> pixels);
+    Canvas(std::int64_t width, std::int64_t height, PixelBuffer pixels);
+    Canvas(std::int64_t width, std::int64_t height, const std::vector<std::uint8_t>& pixels);
 
     // Reads and decodes a PNG or JPEG file. Throws "cannot read <full path>: ..."
     // or "cannot decode <file name>: <reason> (PNG and JPEG only)".

@@ -10,6 +10,7 @@
 #include "platform/Require.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/Decode.hpp"
+#include "raster/PixelBuffer.hpp"
 #include "raster/stb/StbImage.hpp"
 
 namespace plakard {
@@ -76,7 +77,8 @@ Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileN
     }
     require(width >= 1 && height >= 1 && width <= INT64_MAX / 4 / height);
     const std::size_t byteCount = static_cast<std::size_t>(std::int64_t{width} * height * 4);
-    return Canvas(width, height, std::vector<std::uint8_t>(decoded.get(), decoded.get() + byteCount));
+    // The decoder allocates through imageMemory, so the canvas takes its buffer over.
+    return Canvas(width, height, PixelBuffer::adopted(decoded.release(), byteCount));
 }
 
 namespace {

@@ -7,6 +7,12 @@
 #define STBI_NO_STDIO
 #define STBI_NO_LINEAR
 #define STBI_NO_HDR
+// Decoded images become canvases without a copy, so they come from the
+// canvas's own allocator.
+#define STBI_MALLOC(size) plakard::imageMemory::allocate(size)
+#define STBI_REALLOC_SIZED(block, usedSize, newSize) plakard::imageMemory::reallocate(block, usedSize, newSize)
+#define STBI_FREE(block) plakard::imageMemory::release(block)
+#include "platform/ImageMemory.hpp"
 #include <stb_image.h>
 
 #include "raster/stb/StbImage.hpp"
