@@ -1,5 +1,6 @@
 #include "raster/ImageMetadata.hpp"
 
+#include <algorithm>
 #include <bitset>
 #include <cstring>
 #include <memory>
