@@ -21,12 +21,12 @@ if [ "${1:-}" = --fuzz ]; then
   shift
 fi
 build_dir=${1:-build}
-# The fonts after libdeflate-dev are test faces only: an em of 1000, a kern
+# The fonts after liblcms2-dev are test faces only: an em of 1000, a kern
 # table that pairs letters with the space, a face without Latin letters, and a
 # font collection.
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
           libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
-          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei strace)
+          liblcms2-dev fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei strace)
 if $fuzz; then
   packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
 fi

@@ -9,7 +9,10 @@
 #include "platform/PlakardError.hpp"
 #include "platform/Require.hpp"
 #include "raster/Canvas.hpp"
+#include "raster/ColourProfile.hpp"
 #include "raster/Decode.hpp"
+#include "raster/ImageMetadata.hpp"
+#include "raster/Orientation.hpp"
 #include "raster/PixelBuffer.hpp"
 #include "raster/stb/StbImage.hpp"
 
@@ -55,9 +58,7 @@ PlakardError decodeFailure(const std::string& fileName, const std::string& reaso
     return PlakardError("cannot decode " + fileName + ": " + reason + " (PNG and JPEG only)");
 }
 
-}  // namespace
-
-Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
+Canvas decodedPixels(std::span<const std::uint8_t> data, const std::string& fileName) {
     // An empty file still goes to the decoder (and fails there like any
     // other undecodable data), but never as a null pointer.
     static const stbi_uc nothing = 0;
@@ -79,6 +80,16 @@ Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileN
     const std::size_t byteCount = static_cast<std::size_t>(std::int64_t{width} * height * 4);
     // The decoder allocates through imageMemory, so the canvas takes its buffer over.
     return Canvas(width, height, PixelBuffer::adopted(decoded.release(), byteCount));
+}
+
+}  // namespace
+
+// The pixels as the file means them to be shown: in sRGB and upright.
+Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
+    Canvas image = decodedPixels(data, fileName);
+    const ImageMetadata metadata = imageMetadata(data);
+    if (metadata.colourProfile) convertToSRGB(image, *metadata.colourProfile);
+    return oriented(std::move(image), metadata.orientation);
 }
 
 namespace {
