@@ -21,12 +21,13 @@ if [ "${1:-}" = --fuzz ]; then
   shift
 fi
 build_dir=${1:-build}
-# The fonts after libdeflate-dev are test faces only: an em of 1000, a kern
-# table that pairs letters with the space, a face without Latin letters, and a
-# font collection.
+# The fonts after libharfbuzz-dev are test faces only: an em of 1000, a kern
+# table that pairs letters with the space, a face without Latin letters, a
+# font collection, and a Devanagari face for shaped lines.
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
-          libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
-          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei)
+          libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev libharfbuzz-dev
+          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei
+          fonts-lohit-deva)
 if $fuzz; then
   packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
 fi
