@@ -177,10 +177,15 @@ ShapedLine shapeLine(const Font& font, std::string_view text, std::string_view l
             for (unsigned i = 0; i < count; ++i) {
                 const std::uint32_t cluster = infos[i].cluster;
                 clusterStarts.push_back(cluster);
-                if (infos[i].codepoint == 0 && codePointAt(units, length, static_cast<std::int32_t>(cluster)) != U' ')
+                // A damaged face's substitutions can name glyphs it does not
+                // have; those count as missing, like glyph 0.
+                const int glyph = infos[i].codepoint < static_cast<unsigned>(font.info.numGlyphs)
+                                      ? static_cast<int>(infos[i].codepoint)
+                                      : 0;
+                if (glyph == 0 && codePointAt(units, length, static_cast<std::int32_t>(cluster)) != U' ')
                     firstMissing = std::min(firstMissing, cluster);
-                line.glyphs.push_back({static_cast<int>(infos[i].codepoint), pen + positions[i].x_offset * toFontUnits,
-                                       positions[i].y_offset * toFontUnits});
+                line.glyphs.push_back(
+                    {glyph, pen + positions[i].x_offset * toFontUnits, positions[i].y_offset * toFontUnits});
                 pen += positions[i].x_advance * toFontUnits;
             }
         }
