@@ -36,22 +36,12 @@ struct DestroyBuffer {
 };
 
 bool needsShaper(UChar32 c) {
-    switch (u_charDirection(c)) {
-        case U_RIGHT_TO_LEFT:
-        case U_RIGHT_TO_LEFT_ARABIC:
-        case U_LEFT_TO_RIGHT_EMBEDDING:
-        case U_LEFT_TO_RIGHT_OVERRIDE:
-        case U_RIGHT_TO_LEFT_EMBEDDING:
-        case U_RIGHT_TO_LEFT_OVERRIDE:
-        case U_POP_DIRECTIONAL_FORMAT:
-        case U_LEFT_TO_RIGHT_ISOLATE:
-        case U_RIGHT_TO_LEFT_ISOLATE:
-        case U_FIRST_STRONG_ISOLATE:
-        case U_POP_DIRECTIONAL_ISOLATE:
-            return true;
-        default:
-            break;
-    }
+    // Invisible controls (joiners, direction marks) follow the line they sit
+    // in: alone they leave a line as it always was, refused where the face
+    // lacks them.
+    if (u_charType(c) == U_FORMAT_CHAR) return false;
+    const UCharDirection direction = u_charDirection(c);
+    if (direction == U_RIGHT_TO_LEFT || direction == U_RIGHT_TO_LEFT_ARABIC) return true;
     // Letters that join their neighbours (Arabic, Syriac, Mongolian, N'Ko...).
     const auto joining = u_getIntPropertyValue(c, UCHAR_JOINING_TYPE);
     if (joining != U_JT_NON_JOINING && joining != U_JT_TRANSPARENT) return true;

@@ -41,6 +41,7 @@ const Case cases[] = {
     // What the code point path already sets well stays on it.
     {&test::dejaVuSansBold, "ÀÉ STRASSE ΚΆΘΕ КАЖДЫЙ – 2026 ỆỬ", false, "", 0, ""},
     {&test::wqyMicroHei, "毎日すべてのサブスク", false, "", 0, ""},
+    {&test::interBlack, "A\u200DB \u200F\u202EC", false, "", 0, ""},  // invisible controls alone
 };
 
 TEST(ShapingTest, SetsEachLineAsItsReadersExpect) {
