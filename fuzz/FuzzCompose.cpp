@@ -2,8 +2,9 @@
 // real headline face: a page comes back, or the decode, legibility or
 // missing-glyph error.
 //
-// Input: one byte of choices (layout and colours), one byte n, n bytes of
-// headline as typed after --headline, then the capture file's bytes.
+// Input: one byte of choices (layout, colours, face and language), one byte
+// n, n bytes of headline as typed after --headline, then the capture file's
+// bytes.
 
 #include <stb_image.h>
 
@@ -25,9 +26,12 @@ namespace {
 // The capture is resampled into the phone; a huge one only costs time.
 constexpr std::int64_t largestPixelCount = 2048 * 2048;
 
-std::shared_ptr<const plakard::Font> headlineFace() {
+// A face with Arabic and Hebrew as well, so fuzzed lines get through the
+// shaper to the page.
+std::shared_ptr<const plakard::Font> headlineFace(bool shapingFace) {
     static const std::shared_ptr<const plakard::Font> face = plakard::Font::load(PLAKARD_FUZZ_FONT);
-    return face;
+    static const std::shared_ptr<const plakard::Font> shaping = plakard::Font::load(PLAKARD_FUZZ_SHAPING_FONT);
+    return shapingFace ? shaping : face;
 }
 
 bool hugeImage(std::span<const std::uint8_t> bytes) {
@@ -48,16 +52,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string headline(reinterpret_cast<const char*>(data) + 2, headlineSize);
     const std::span<const std::uint8_t> capture(data + 2 + headlineSize, size - 2 - headlineSize);
     if (hugeImage(capture)) return -1;
+    const std::string language = (choices & 8) ? "ar" : (choices & 16) ? "tr" : "";
     try {
         const plakard::ComposeRequest request{
             .width = 120,
             .height = 260,
             .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
             .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
-            .lines = plakard::headlineLines(headline),
+            .lines = plakard::headlineLines(headline, language),
             .screenshot = plakard::decodedImage(capture, "fuzz.png"),
             .layout = (choices & 1) ? plakard::Layout::deviceTop : plakard::Layout::hero,
-            .font = headlineFace(),
+            .font = headlineFace(choices & 4),
+            .language = language,
         };
         const plakard::Canvas page = plakard::composePage(request);
         if (page.width != 120 || page.height != 260) __builtin_trap();

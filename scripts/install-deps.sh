@@ -21,12 +21,15 @@ if [ "${1:-}" = --fuzz ]; then
   shift
 fi
 build_dir=${1:-build}
-# The fonts after liblcms2-dev are test faces only: an em of 1000, a kern
-# table that pairs letters with the space, a face without Latin letters, and a
-# font collection.
+# The fonts after the libraries are test faces only: an em of 1000, a kern
+# table that pairs letters with the space, a face without Latin letters, a
+# font collection, and a Devanagari face for shaped lines. strace watches the
+# write's system calls in one test.
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
           libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
-          liblcms2-dev fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei strace)
+          liblcms2-dev libharfbuzz-dev
+          fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei
+          fonts-lohit-deva strace)
 if $fuzz; then
   packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
 fi

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,8 @@
 #include "compose/ComposeRequest.hpp"
 #include "compose/PageComposer.hpp"
 #include "platform/Paths.hpp"
+#include "platform/PlakardError.hpp"
+#include "platform/Unicode.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
 #include "type/Font.hpp"
@@ -22,7 +25,8 @@ namespace plakard {
 
 void PlakardCLI::runCompose(const OptionTable& options) {
     const OutputSize size = parseSize(options);
-    std::vector<std::string> lines = headlineLines(required(options, "--headline"));
+    const std::string& headline = required(options, "--headline");
+    std::vector<std::string> lines = headlineLines(headline);
     const std::string& outText = required(options, "--out");
     const std::filesystem::path out = absolutePath(outText);
     const RGBA background(required(options, "--bg"));
@@ -31,6 +35,16 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     const Layout layout = parseLayout(options);
     // An empty --font is still a font path, and fails as one.
     std::shared_ptr<const Font> font = Font::discover(optionalValue(options, "--font"));
+    // Checked last, so every run without --lang fails as it always has.
+    const std::optional<std::string> language = optionalValue(options, "--lang");
+    if (language) {
+        if (!isKnownLanguageTag(*language))
+            throw PlakardError(
+                "--lang must be a language tag ICU knows, such as tr, "
+                "el or ar (got '" +
+                *language + "')");
+        lines = headlineLines(headline, *language);
+    }
 
     // The request, and the capture in it, is gone before the write, whose
     // peak holds the page and stb's copy of it.
@@ -43,6 +57,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .screenshot = std::move(screenshot),
         .layout = layout,
         .font = std::move(font),
+        .language = language.value_or(""),
     });
     writePNG(std::move(page), out, true);
     printLine(standardizedPath(outText).string());

@@ -22,6 +22,8 @@ struct ComposeRequest {
     Canvas screenshot;
     Layout layout;
     std::shared_ptr<const Font> font;
+    // The headline's BCP 47 language tag for the shaper, or empty.
+    std::string language{};
 };
 
 }  // namespace plakard

@@ -19,15 +19,17 @@ Canvas composePage(const ComposeRequest& request) {
     scales.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        const double size = fittedLineSize(metrics, line, i, font.advanceUnits(line), font.unitsPerEm);
+        const double size =
+            fittedLineSize(metrics, line, i, font.advanceUnits(line, request.language), font.unitsPerEm);
         scales.push_back(size / font.unitsPerEm);
     }
     std::vector<InkExtent> inks;
     inks.reserve(request.lines.size());
-    for (std::size_t i = 0; i < request.lines.size(); ++i) inks.push_back(font.inkExtent(request.lines[i], scales[i]));
+    for (std::size_t i = 0; i < request.lines.size(); ++i)
+        inks.push_back(font.inkExtent(request.lines[i], scales[i], request.language));
 
-    const PagePlacement placement = placePage(metrics, request.screenshot.width, request.screenshot.height,
-                                              request.layout, inks);
+    const PagePlacement placement =
+        placePage(metrics, request.screenshot.width, request.screenshot.height, request.layout, inks);
     drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
                placement.phoneHeight, metrics.bezel);
 
@@ -36,9 +38,9 @@ Canvas composePage(const ComposeRequest& request) {
     double cursor = placement.headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        const double width = font.advanceUnits(line) * scales[i];
-        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top,
-                      scales[i]);
+        const double width = font.advanceUnits(line, request.language) * scales[i];
+        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top, scales[i],
+                      request.language);
         cursor = cursor + metrics.lineGap + (inks[i].bottom - inks[i].top);
     }
     return page;

@@ -36,7 +36,25 @@ icu::UnicodeString unicodeString(std::string_view text) {
     return icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
 }
 
+icu::Locale localeFromTag(std::string_view tag, UErrorCode& status) {
+    require(tag.size() <= INT32_MAX);
+    return icu::Locale::forLanguageTag(icu::StringPiece(tag.data(), static_cast<std::int32_t>(tag.size())), status);
+}
+
+icu::Locale localeFromTag(std::string_view tag) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale locale = localeFromTag(tag, status);
+    return U_SUCCESS(status) ? locale : icu::Locale::getRoot();
+}
+
 }  // namespace
+
+bool isKnownLanguageTag(std::string_view tag) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Locale locale = localeFromTag(tag, status);
+    // A well-formed tag can still name no language ICU has heard of ("xx").
+    return U_SUCCESS(status) && !locale.isBogus() && *locale.getISO3Language() != '\0';
+}
 
 std::string trimmingBlanks(std::string_view text) {
     // One forward pass: the kept range runs from the first non-blank code
@@ -56,9 +74,9 @@ std::string trimmingBlanks(std::string_view text) {
     return std::string(text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)));
 }
 
-std::string upperCased(std::string_view text) {
+std::string upperCased(std::string_view text, std::string_view language) {
     icu::UnicodeString string = unicodeString(text);
-    string.toUpper(icu::Locale::getRoot());
+    string.toUpper(language.empty() ? icu::Locale::getRoot() : localeFromTag(language));
     std::string result;
     string.toUTF8String(result);
     return result;

@@ -13,8 +13,12 @@ namespace plakard {
 // ends. Line breaks are kept.
 std::string trimmingBlanks(std::string_view text);
 
-// Full upper-case mapping ("straße" gives "STRASSE").
-std::string upperCased(std::string_view text);
+// Full upper-case mapping ("straße" gives "STRASSE"); with a BCP 47
+// language tag, that language's rules ("tr": "i" gives "İ").
+std::string upperCased(std::string_view text, std::string_view language = {});
+
+// Whether ICU reads `tag` as a well-formed BCP 47 tag of a language it knows.
+bool isKnownLanguageTag(std::string_view tag);
 
 // The number of user-perceived characters (extended grapheme clusters).
 std::size_t graphemeCount(std::string_view text);

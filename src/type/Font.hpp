@@ -45,20 +45,24 @@ public:
     Font& operator=(const Font&) = delete;
     ~Font();
 
+    // A line with right-to-left text or a joining or syllable-based script is
+    // shaped (type/ShapedLine.hpp), told `language` (a BCP 47 tag, or empty);
+    // every other line is set code point by code point with the face's kerning.
+
     // The line's advance width in font units, kerning included. Throws
     // "<name> has no glyph for 'c' (U+XXXX); pass --font with a face that
     // covers this headline" for the first code point the face lacks (the
     // ordinary space is exempt).
-    double advanceUnits(std::string_view text) const;
+    double advanceUnits(std::string_view text, std::string_view language = {}) const;
 
     // The ink's vertical extent at `scale` pixels per font unit; the face's
     // line box when the text has no ink.
-    InkExtent inkExtent(std::string_view text, double scale) const;
+    InkExtent inkExtent(std::string_view text, double scale, std::string_view language = {}) const;
 
     // Draws the line with its pen starting at x and its baseline at `baseline`,
     // clipped to the canvas.
-    void drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x, double baseline,
-                  double scale) const;
+    void drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x, double baseline, double scale,
+                  std::string_view language = {}) const;
 
     stbtt_fontinfo info{};
     std::unique_ptr<std::uint8_t[]> storage;

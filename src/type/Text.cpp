@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -10,6 +9,8 @@
 #include "platform/Unicode.hpp"
 #include "raster/Blend.hpp"
 #include "type/Font.hpp"
+#include "type/MissingGlyph.hpp"
+#include "type/ShapedLine.hpp"
 
 namespace plakard {
 
@@ -29,12 +30,6 @@ int advanceWidth(const stbtt_fontinfo& info, int codePoint) {
     int advance = 0;
     stbtt_GetCodepointHMetrics(&info, codePoint, &advance, nullptr);
     return advance;
-}
-
-std::string uppercaseHex(char32_t codePoint) {
-    char digits[16];
-    std::snprintf(digits, sizeof digits, "%X", static_cast<unsigned>(codePoint));
-    return digits;
 }
 
 std::int64_t sum(std::int64_t a, std::int64_t b) {
@@ -84,9 +79,9 @@ struct FreeGlyphShape {
 };
 
 // Whether any point of the glyph's outline lies above the baseline.
-bool inkAboveBaseline(const stbtt_fontinfo& info, int codePoint) {
+bool inkAboveBaseline(const stbtt_fontinfo& info, int glyph) {
     stbtt_vertex* vertices = nullptr;
-    const int count = stbtt_GetCodepointShape(&info, codePoint, &vertices);
+    const int count = stbtt_GetGlyphShape(&info, glyph, &vertices);
     const std::unique_ptr<stbtt_vertex, FreeGlyphShape> shape(vertices, FreeGlyphShape{&info});
     for (int i = 0; i < count; ++i) {
         if (vertices[i].y > 0 || vertices[i].cy > 0 || vertices[i].cy1 > 0) return true;
@@ -100,13 +95,13 @@ bool inkAboveBaseline(const stbtt_fontinfo& info, int codePoint) {
 // bitmap for such a glyph, and there is nothing to draw for one that lands
 // wholly outside the canvas, so those are never rasterised; nor is one stb
 // would trip over, below.
-bool worthRasterising(const stbtt_fontinfo& info, int codePoint, float scale, double pen, std::int64_t baselineRow,
+bool worthRasterising(const stbtt_fontinfo& info, int glyph, float scale, double pen, std::int64_t baselineRow,
                       const Canvas& canvas) {
     int x0 = 0;
     int y0 = 0;
     int x1 = 0;
     int y1 = 0;
-    stbtt_GetCodepointBitmapBox(&info, codePoint, scale, scale, &x0, &y0, &x1, &y1);
+    stbtt_GetGlyphBitmapBox(&info, glyph, scale, scale, &x0, &y0, &x1, &y1);
     const std::int64_t width = std::int64_t{x1} - x0;
     const std::int64_t height = std::int64_t{y1} - y0;
     constexpr std::int64_t intMax = std::numeric_limits<int>::max();
@@ -114,23 +109,43 @@ bool worthRasterising(const stbtt_fontinfo& info, int codePoint, float scale, do
     // The box comes from the glyph's header, and a corrupt one can leave ink
     // above it. stb clips edges above the bitmap's first row, except when that
     // row is the baseline's (it asserts there instead).
-    if (y0 == 0 && inkAboveBaseline(info, codePoint)) return false;
+    if (y0 == 0 && inkAboveBaseline(info, glyph)) return false;
     const Span rows = visible(sum(baselineRow, y0), height, canvas.height);
     const Span columns = visible(sum(roundToInt64(pen), x0), width, canvas.width);
     return rows.first < rows.end && columns.first < columns.end;
 }
 
+// One glyph with its pen at `pen` and its baseline on row `baselineRow`,
+// rasterised, blended and freed before the next: no cache outlives its glyph.
+void drawGlyph(const stbtt_fontinfo& info, int glyph, Canvas& canvas, RGBA colour, double pen, std::int64_t baselineRow,
+               float scale) {
+    if (!worthRasterising(info, glyph, scale, pen, baselineRow, canvas)) return;
+    int width = 0;
+    int height = 0;
+    int xOffset = 0;
+    int yOffset = 0;
+    GlyphBitmap bitmap(stbtt_GetGlyphBitmap(&info, 0, scale, glyph, &width, &height, &xOffset, &yOffset));
+    if (bitmap) {
+        blendGlyph(canvas, bitmap.get(), width, height, sum(roundToInt64(pen), xOffset), sum(baselineRow, yOffset),
+                   colour);
+    }
+}
+
 }  // namespace
 
-double Font::advanceUnits(std::string_view text) const {
+double Font::advanceUnits(std::string_view text, std::string_view language) const {
+    if (needsShaping(text)) {
+        const ShapedLine line = shapeLine(*this, text, language);
+        if (line.missing) throw missingGlyph(name, *line.missing);
+        return line.advance;
+    }
     double total = 0.0;
     bool first = true;
     int previous = 0;
     for (char32_t c : codePoints(text)) {
         const int codePoint = static_cast<int>(c);
         if (c != space && stbtt_FindGlyphIndex(&info, codePoint) == 0) {
-            throw PlakardError(name + " has no glyph for '" + utf8(c) + "' (U+" + uppercaseHex(c) +
-                               "); pass --font with a face that covers this headline");
+            throw missingGlyph(name, c);
         }
         const int advance = advanceWidth(info, codePoint);
         if (!first) total += stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
@@ -141,10 +156,27 @@ double Font::advanceUnits(std::string_view text) const {
     return total;
 }
 
-InkExtent Font::inkExtent(std::string_view text, double scale) const {
+InkExtent Font::inkExtent(std::string_view text, double scale, std::string_view language) const {
     double top = std::numeric_limits<double>::max();
     double bottom = -top;
     const float glyphScale = static_cast<float>(scale);
+    if (needsShaping(text)) {
+        for (const PlacedGlyph& placed : shapeLine(*this, text, language).glyphs) {
+            int x0 = 0;
+            int y0 = 0;
+            int x1 = 0;
+            int y1 = 0;
+            stbtt_GetGlyphBitmapBox(&info, placed.glyph, glyphScale, glyphScale, &x0, &y0, &x1, &y1);
+            if (y0 < y1) {
+                // Marks the shaper raises or lowers take their ink with them.
+                const double shift = -placed.y * scale;
+                top = std::min(top, y0 + shift);
+                bottom = std::max(bottom, y1 + shift);
+            }
+        }
+        if (top < bottom) return {top, bottom};
+        return {-(ascentUnits * scale), -(descentUnits * scale)};
+    }
     for (char32_t c : codePoints(text)) {
         if (c == space) continue;
         int x0 = 0;
@@ -161,30 +193,25 @@ InkExtent Font::inkExtent(std::string_view text, double scale) const {
     return {-(ascentUnits * scale), -(descentUnits * scale)};
 }
 
-void Font::drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x, double baseline,
-                    double scale) const {
+void Font::drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x, double baseline, double scale,
+                    std::string_view language) const {
     if (text.empty()) return;
     const std::int64_t baselineRow = roundToInt64(baseline);
     const float glyphScale = static_cast<float>(scale);
+    if (needsShaping(text)) {
+        for (const PlacedGlyph& placed : shapeLine(*this, text, language).glyphs) {
+            const std::int64_t row = placed.y == 0 ? baselineRow : roundToInt64(baseline - placed.y * scale);
+            drawGlyph(info, placed.glyph, canvas, colour, x + placed.x * scale, row, glyphScale);
+        }
+        return;
+    }
     double pen = x;
     bool first = true;
     int previous = 0;
     for (char32_t c : codePoints(text)) {
         const int codePoint = static_cast<int>(c);
         if (!first) pen += scale * stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
-        if (worthRasterising(info, codePoint, glyphScale, pen, baselineRow, canvas)) {
-            int width = 0;
-            int height = 0;
-            int xOffset = 0;
-            int yOffset = 0;
-            // One glyph at a time, freed before the next: no cache outlives its glyph.
-            GlyphBitmap bitmap(
-                stbtt_GetCodepointBitmap(&info, 0, glyphScale, codePoint, &width, &height, &xOffset, &yOffset));
-            if (bitmap) {
-                blendGlyph(canvas, bitmap.get(), width, height, sum(roundToInt64(pen), xOffset),
-                           sum(baselineRow, yOffset), colour);
-            }
-        }
+        drawGlyph(info, stbtt_FindGlyphIndex(&info, codePoint), canvas, colour, pen, baselineRow, glyphScale);
         pen += scale * advanceWidth(info, codePoint);
         previous = codePoint;
         first = false;
