@@ -7,6 +7,9 @@
 #   make bench-peers  time whole runs next to libvips, sharp and ImageMagick
 #   make fuzz      build the fuzz targets with clang, replay their corpora and
 #                  crash files, then fuzz each for FUZZ_SECONDS under ASan + UBSan
+#   make install   install under PREFIX (default /usr/local), staged in DESTDIR
+#   make deb       build plakard_VERSION_ARCH.deb in DEB_DIR and check it with lintian
+#   make listing   compose the example listing (examples/listing) into out/listing
 
 BUILD    ?= build
 ASAN     ?= build-asan
@@ -17,8 +20,11 @@ JOBS     ?= $(shell nproc)
 # Warnings are errors under CI (which sets CI=true) and on request.
 WERROR   ?= $(if $(CI),ON,OFF)
 CMAKE_FLAGS ?=
+PREFIX   ?= /usr/local
+DESTDIR  ?=
+DEB_DIR  ?= $(BUILD)
 
-.PHONY: all deps build test sanitize demo bench bench-peers fuzz clean
+.PHONY: all deps build test sanitize demo bench bench-peers fuzz install deb listing clean
 
 all: build
 
@@ -40,6 +46,18 @@ sanitize:
 
 demo: build
 	scripts/demo.sh $(BUILD)/plakard out
+
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD) --prefix "$(PREFIX)"
+
+# Errors fail the target; warnings and notes are shown.
+deb:
+	scripts/install-deps.sh --package $(BUILD)
+	$(MAKE) build
+	deb=$$(packaging/deb.sh $(BUILD) $(DEB_DIR)) && echo "$$deb" && lintian --fail-on error --info "$$deb"
+
+listing: build
+	$(MAKE) -C examples/listing -j $(JOBS) PLAKARD=$(abspath $(BUILD))/plakard OUT=$(abspath out/listing)
 
 clean:
 	rm -rf $(BUILD) $(ASAN) $(FUZZ) out

@@ -2,11 +2,13 @@
 # Installs everything plakard needs to build, test and benchmark, from Debian's
 # packages only. Safe to run again: it installs only what is missing.
 #
-#   scripts/install-deps.sh [--fuzz] [BUILD_DIR]
+#   scripts/install-deps.sh [--fuzz] [--package] [BUILD_DIR]
 #
 # --fuzz adds what `make fuzz` needs: clang with libFuzzer and the sanitizer
 # runtimes, and fontTools for the font seeds fuzz/seed.sh makes from Debian's
-# faces. Plain builds and tests do without them.
+# faces. --package adds what `make deb` and the install check need: dpkg-dev
+# (dpkg-shlibdeps), fakeroot, lintian, groff for the manual page, and
+# bash-completion. Plain builds and tests do without them.
 #
 # stb_image_resize2.h first shipped in Debian 13. When the system's libstb-dev
 # lacks it, Debian 13's libstb-dev is fetched with a private apt configuration
@@ -16,10 +18,15 @@
 set -euo pipefail
 
 fuzz=false
-if [ "${1:-}" = --fuzz ]; then
-  fuzz=true
+package=false
+while [ $# -gt 0 ]; do
+  case $1 in
+    --fuzz) fuzz=true ;;
+    --package) package=true ;;
+    *) break ;;
+  esac
   shift
-fi
+done
 build_dir=${1:-build}
 # The fonts after the libraries are test faces only: an em of 1000, a kern
 # table that pairs letters with the space, a face without Latin letters, a
@@ -32,6 +39,9 @@ packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
           fonts-lohit-deva strace)
 if $fuzz; then
   packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
+fi
+if $package; then
+  packages+=(dpkg-dev fakeroot lintian groff-base man-db bash-completion)
 fi
 
 sudo_if_needed() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
