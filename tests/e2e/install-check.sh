@@ -4,7 +4,7 @@
 # so no fallback warning; the usage text; an error), the manual page rendered
 # without warnings, completion answering, and the listing example run.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
 build=${1:-build}
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
