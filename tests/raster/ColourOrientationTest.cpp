@@ -32,7 +32,8 @@ TEST(ColourOrientationTest, DecodesToTheReferencePixels) {
         {"orientation-2.jpg", "blocks.jpg"},    {"orientation-3.jpg", "blocks.jpg"},
         {"orientation-4.jpg", "blocks.jpg"},    {"orientation-5.jpg", "blocks.jpg"},
         {"orientation-6.jpg", "blocks.jpg"},    {"orientation-7.jpg", "blocks.jpg"},
-        {"orientation-8.jpg", "blocks.jpg"},
+        {"orientation-8.jpg", "blocks.jpg"},    {"repeated-segment.jpg", "blocks.jpg"},
+        {"grey-rgb-profile.jpg", "grey-blocks.jpg"},
     };
     for (const auto& c : cases) {
         const Canvas got = image(c.file);

@@ -39,6 +39,8 @@ const Case cases[] = {
     {&dejaVuSansBold, "تتبع", true, "\uFECA\uFE92\uFE98\uFE97", 0, ""},
     {&dejaVuSansBold, "עקוב", true, "בוקע", 0, ""},
     {&dejaVuSansBold, "עקוב 2026 iPhone", true, "iPhone 2026 בוקע", 0, ""},
+    // One right-to-left run in two scripts: the Arabic word, read last, lands leftmost.
+    {&dejaVuSansBold, "עב ا", true, "ا בע", 0, ""},
     {&lohitDevanagari, "क्ष", true, "", 1, ""},
     {&dejaVuSansBold, "تتبع क", true, "", 0,
      "DejaVuSans-Bold.ttf has no glyph for 'क' (U+915); pass --font with a face that covers this headline"},

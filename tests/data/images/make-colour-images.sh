@@ -7,8 +7,8 @@ cd "$(dirname "$0")"
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 
-# Display P3 (P3 primaries, D65, the sRGB curve) and a grey profile, both made
-# by lcms2 itself.
+# Display P3 (P3 primaries, D65, the sRGB curve), a grey profile and P3 with a
+# gamma of 1.8 (which moves greys too), all made by lcms2 itself.
 cat > "$tmp/profiles.c" <<'C'
 #include <lcms2.h>
 int main(void) {
@@ -23,13 +23,16 @@ int main(void) {
     cmsWriteTag(display, cmsSigProfileDescriptionTag, name);
     cmsSaveProfileToFile(display, "p3.icc");
     cmsSaveProfileToFile(cmsCreateGrayProfile(&d65, cmsBuildGamma(NULL, 2.2)), "grey.icc");
+    cmsToneCurve* flat = cmsBuildGamma(NULL, 1.8);
+    cmsToneCurve* flats[3] = {flat, flat, flat};
+    cmsSaveProfileToFile(cmsCreateRGBProfile(&d65, &p3, flats), "gamma18.icc");
     return 0;
 }
 C
 gcc "$tmp/profiles.c" -o "$tmp/profiles" -llcms2
 (cd "$tmp" && ./profiles)
 # Without their creation dates, so that a rerun gives the same bytes.
-for f in p3 grey; do dd if=/dev/zero of="$tmp/$f.icc" bs=1 seek=24 count=12 conv=notrunc status=none; done
+for f in p3 grey gamma18; do dd if=/dev/zero of="$tmp/$f.icc" bs=1 seek=24 count=12 conv=notrunc status=none; done
 cp /usr/share/color/icc/colord/sRGB.icc "$tmp/srgb.icc"
 
 # 32x16: eight flat 8x8 blocks, so that JPEG keeps each block's colour and
@@ -60,6 +63,14 @@ def after_soi(name, source, *segments): open(name, 'wb').write(source[:2] + b''.
 # The profile in two APP2 segments, the second one first in the file.
 half = len(p3) // 2
 after_soi('p3.jpg', jpeg, segment(0xE2, b'ICC_PROFILE\0\2\2' + p3[half:]), segment(0xE2, b'ICC_PROFILE\0\1\2' + p3[:half]))
+# A sequence that repeats a number is ignored, like any other broken one.
+after_soi('repeated-segment.jpg', jpeg, *[segment(0xE2, b'ICC_PROFILE\0' + bytes([n, 2]) + part)
+                                          for n, part in ((1, p3[:half]), (1, p3[:half]), (2, p3[half:]))])
+# An RGB profile on a one-channel JPEG does not describe its pixels.
+gamma18 = open(f'{tmp}/gamma18.icc', 'rb').read()
+grey = run('cjpeg', '-quality', '100', '-grayscale', input=b'P6\n32 16\n255\n' + b''.join(rows))
+open('grey-blocks.jpg', 'wb').write(grey)
+after_soi('grey-rgb-profile.jpg', grey, segment(0xE2, b'ICC_PROFILE\0\1\1' + gamma18))
 def exif(orientation, entries=1):
     ifd = struct.pack('>HHHIHH', entries, 0x0112, 3, 1, orientation, 0) + bytes(4)
     return segment(0xE1, b'Exif\0\0MM\0*' + struct.pack('>I', 8) + ifd)
