@@ -1,7 +1,8 @@
 #include "raster/Orientation.hpp"
 
 #include <cstring>
-#include <utility>
+
+#include "raster/PixelBuffer.hpp"
 
 namespace plakard {
 
@@ -37,25 +38,38 @@ int exifOrientation(std::span<const std::uint8_t> tiff) {
 
 Canvas oriented(Canvas image, int orientation) {
     if (orientation < 2 || orientation > 8) return image;
+    // Where the pixel shown at the top left is stored (the right and/or the
+    // bottom edge, else the origin), and the stored step, in columns and rows,
+    // for one pixel right and for one row down on the shown image.
+    struct Walk {
+        bool right, bottom;
+        std::int64_t xColumns, xRows, yColumns, yRows;
+    };
+    static constexpr Walk walks[] = {
+        {true, false, -1, 0, 0, 1},   // 2: mirrored left to right
+        {true, true, -1, 0, 0, -1},   // 3: turned half way
+        {false, true, 1, 0, 0, -1},   // 4: mirrored top to bottom
+        {false, false, 0, 1, 1, 0},   // 5: mirrored across the diagonal
+        {false, true, 0, -1, 1, 0},   // 6: turned a quarter clockwise to show
+        {true, true, 0, -1, -1, 0},   // 7: mirrored across the other diagonal
+        {true, false, 0, 1, -1, 0},   // 8: turned a quarter anticlockwise
+    };
+    const Walk& walk = walks[orientation - 2];
     const std::int64_t w = image.width;
     const std::int64_t h = image.height;
     const bool swapsSides = orientation >= 5;
-    Canvas shown(swapsSides ? h : w, swapsSides ? w : h, RGBA{0, 0, 0, 0});
-    for (std::int64_t y = 0; y < shown.height; ++y) {
-        for (std::int64_t x = 0; x < shown.width; ++x) {
-            // Where the pixel shown at (x, y) is stored.
-            std::pair<std::int64_t, std::int64_t> from;
-            switch (orientation) {
-                case 2: from = {w - 1 - x, y}; break;          // mirrored left to right
-                case 3: from = {w - 1 - x, h - 1 - y}; break;  // turned half way
-                case 4: from = {x, h - 1 - y}; break;          // mirrored top to bottom
-                case 5: from = {y, x}; break;                  // mirrored across the diagonal
-                case 6: from = {y, h - 1 - x}; break;          // turned a quarter clockwise to show
-                case 7: from = {w - 1 - y, h - 1 - x}; break;  // mirrored across the other diagonal
-                default: from = {w - 1 - y, x}; break;         // 8: turned a quarter anticlockwise
-            }
-            std::memcpy(shown.pixel(x, y), image.pixel(from.first, from.second), 4);
-        }
+    const std::int64_t shownWidth = swapsSides ? h : w;
+    const std::int64_t shownHeight = swapsSides ? w : h;
+    // Every byte is written below, so the block starts uninitialised.
+    Canvas shown(shownWidth, shownHeight, PixelBuffer::uninitialised(image.pixels.size()));
+    const std::int64_t alongX = (walk.xRows * w + walk.xColumns) * 4;
+    const std::int64_t alongY = (walk.yRows * w + walk.yColumns) * 4;
+    const std::uint8_t* stored = image.pixels.data();
+    std::uint8_t* out = shown.pixels.data();
+    std::int64_t rowStart = ((walk.bottom ? h - 1 : 0) * w + (walk.right ? w - 1 : 0)) * 4;
+    for (std::int64_t y = 0; y < shownHeight; ++y, rowStart += alongY) {
+        std::int64_t from = rowStart;
+        for (std::int64_t x = 0; x < shownWidth; ++x, from += alongX, out += 4) std::memcpy(out, stored + from, 4);
     }
     return shown;
 }
