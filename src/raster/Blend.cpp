@@ -12,7 +12,9 @@ std::uint8_t roundedByte(double value) {
     return static_cast<std::uint8_t>(std::clamp(rounded, 0.0, 255.0));
 }
 
-void blend(std::uint8_t* pixel, RGBA colour, double coverage) {
+}  // namespace
+
+void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) {
     if (!(coverage > 0)) return;
     double a = colour.a / 255.0;
     if (coverage <= 1) a *= coverage;
@@ -21,23 +23,14 @@ void blend(std::uint8_t* pixel, RGBA colour, double coverage) {
     const double k = 1 - a;
     const double outAlpha = a + k * da;
     if (!(outAlpha > 0)) return;
-    auto weighted = [&](std::uint8_t channel) { return k * (da * channel); };
-    const double red = (a * colour.r + weighted(pixel[0])) / outAlpha;
-    const double green = (a * colour.g + weighted(pixel[1])) / outAlpha;
-    const double blue = (a * colour.b + weighted(pixel[2])) / outAlpha;
+    const double red = (a * colour.r + k * (da * pixel[0])) / outAlpha;
+    const double green = (a * colour.g + k * (da * pixel[1])) / outAlpha;
+    const double blue = (a * colour.b + k * (da * pixel[2])) / outAlpha;
     pixel[0] = roundedByte(red);
     pixel[1] = roundedByte(green);
     pixel[2] = roundedByte(blue);
     pixel[3] = static_cast<std::uint8_t>(std::min(std::round(outAlpha * 255), 255.0));
 }
-
-}  // namespace
-
-void blendInto(std::uint8_t* pixel, RGBA colour, double coverage) { blend(pixel, colour, coverage); }
-
-// Text only ever lands on the opaque page, where the destination alpha is
-// exactly 1 and every order of weighting gives the same bytes.
-void blendGlyphInto(std::uint8_t* pixel, RGBA colour, double coverage) { blend(pixel, colour, coverage); }
 
 void blendPixel(Canvas& canvas, std::int64_t x, std::int64_t y, RGBA colour, double coverage) {
     if (x < 0 || y < 0 || x >= canvas.width || y >= canvas.height) return;

@@ -16,7 +16,4 @@ void blendPixel(Canvas& canvas, std::int64_t x, std::int64_t y, RGBA colour, dou
 // The same blend on a pixel known to be inside the canvas.
 void blendInto(std::uint8_t* pixel, RGBA colour, double coverage);
 
-// The blend of a glyph's coverage: the same rule as blendInto.
-void blendGlyphInto(std::uint8_t* pixel, RGBA colour, double coverage);
-
 }  // namespace plakard

@@ -68,7 +68,7 @@ void blendGlyph(Canvas& canvas, const unsigned char* coverage, int width, int he
         for (std::int64_t j = columns.first; j < columns.end; ++j, target += 4) {
             if (row[j] == 0) continue;
             if (opaque && row[j] == 255) std::memcpy(target, solid, 4);
-            else blendGlyphInto(target, colour, row[j] / 255.0);
+            else blendInto(target, colour, row[j] / 255.0);
         }
     }
 }
