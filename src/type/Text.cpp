@@ -160,34 +160,25 @@ InkExtent Font::inkExtent(std::string_view text, double scale, std::string_view 
     double top = std::numeric_limits<double>::max();
     double bottom = -top;
     const float glyphScale = static_cast<float>(scale);
-    if (needsShaping(text)) {
-        for (const PlacedGlyph& placed : shapeLine(*this, text, language).glyphs) {
-            int x0 = 0;
-            int y0 = 0;
-            int x1 = 0;
-            int y1 = 0;
-            stbtt_GetGlyphBitmapBox(&info, placed.glyph, glyphScale, glyphScale, &x0, &y0, &x1, &y1);
-            if (y0 < y1) {
-                // Marks the shaper raises or lowers take their ink with them.
-                const double shift = -placed.y * scale;
-                top = std::min(top, y0 + shift);
-                bottom = std::max(bottom, y1 + shift);
-            }
-        }
-        if (top < bottom) return {top, bottom};
-        return {-(ascentUnits * scale), -(descentUnits * scale)};
-    }
-    for (char32_t c : codePoints(text)) {
-        if (c == space) continue;
+    // Widens the extent by the glyph's box, moved down by `shift` pixels.
+    const auto include = [&](int glyph, double shift) {
         int x0 = 0;
         int y0 = 0;
         int x1 = 0;
         int y1 = 0;
-        stbtt_GetCodepointBitmapBox(&info, static_cast<int>(c), glyphScale, glyphScale, &x0, &y0, &x1, &y1);
+        stbtt_GetGlyphBitmapBox(&info, glyph, glyphScale, glyphScale, &x0, &y0, &x1, &y1);
         if (y0 < y1) {
-            top = std::min(top, static_cast<double>(y0));
-            bottom = std::max(bottom, static_cast<double>(y1));
+            top = std::min(top, y0 + shift);
+            bottom = std::max(bottom, y1 + shift);
         }
+    };
+    if (needsShaping(text)) {
+        // Marks the shaper raises or lowers take their ink with them.
+        for (const PlacedGlyph& placed : shapeLine(*this, text, language).glyphs)
+            include(placed.glyph, -placed.y * scale);
+    } else {
+        for (char32_t c : codePoints(text))
+            if (c != space) include(stbtt_FindGlyphIndex(&info, static_cast<int>(c)), 0);
     }
     if (top < bottom) return {top, bottom};
     return {-(ascentUnits * scale), -(descentUnits * scale)};
