@@ -153,7 +153,8 @@ void* allocateZeroed(std::size_t size) noexcept {
 void* reallocate(void* block, std::size_t usedSize, std::size_t newSize) noexcept {
     if (!block) return allocate(newSize);
     const std::size_t length = mappedLength(block);
-    if (length == 0 && (!mapsLargeBlocks() || newSize < mappedFrom)) return std::realloc(block, newSize > 0 ? newSize : 1);
+    if (length == 0 && (!mapsLargeBlocks() || newSize < mappedFrom))
+        return std::realloc(block, newSize > 0 ? newSize : 1);
     if (length >= newSize) return block;
     void* grown = allocate(newSize);
     if (!grown) return nullptr;
@@ -164,13 +165,17 @@ void* reallocate(void* block, std::size_t usedSize, std::size_t newSize) noexcep
 
 void release(void* block) noexcept {
     if (!block) return;
-    if (mappedLength(block) == 0) {
+    if (reinterpret_cast<std::uintptr_t>(block) % hugePage != 0) {
         std::free(block);
         return;
     }
     Mappings& all = mappings();
     std::lock_guard<std::mutex> guard(all.lock);
     const auto it = std::find_if(all.live.begin(), all.live.end(), [&](const Mapping& m) { return m.start == block; });
+    if (it == all.live.end()) {
+        std::free(block);  // a malloc block that happens to sit on the boundary
+        return;
+    }
     const Mapping released = *it;
     all.live.erase(it);
     if (!track(all.cached, released)) munmap(released.start, released.length);
