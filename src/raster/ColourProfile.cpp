@@ -3,22 +3,16 @@
 #include <lcms2.h>
 
 #include <cstdlib>
-#include <memory>
 
+#include "platform/Owned.hpp"
 #include "raster/ImageMetadata.hpp"
 
 namespace plakard {
 
 namespace {
 
-struct ProfileClose {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-struct TransformDelete {
-    void operator()(void* transform) const { cmsDeleteTransform(transform); }
-};
-using Profile = std::unique_ptr<void, ProfileClose>;
-using Transform = std::unique_ptr<void, TransformDelete>;
+using Profile = Owned<void, cmsCloseProfile>;
+using Transform = Owned<void, cmsDeleteTransform>;
 
 // Whether the transform maps a grid over the whole cube to itself, within a
 // level: an sRGB profile by another maker (or under another name) does, and

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <bitset>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
+#include "platform/Owned.hpp"
 #include "raster/Orientation.hpp"
 
 #ifdef PLAKARD_HAVE_LIBDEFLATE
@@ -35,8 +35,7 @@ std::uint32_t bigEndian(Bytes bytes, std::size_t at, int count) {
 // dropped, never inflated in full.
 std::optional<std::vector<std::uint8_t>> inflated(Bytes compressed) {
 #ifdef PLAKARD_HAVE_LIBDEFLATE
-    std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> decompressor(
-        libdeflate_alloc_decompressor(), &libdeflate_free_decompressor);
+    const Owned<libdeflate_decompressor, libdeflate_free_decompressor> decompressor(libdeflate_alloc_decompressor());
     if (!decompressor) return std::nullopt;
     for (std::size_t capacity = 64 * 1024; capacity <= largestColourProfile; capacity *= 4) {
         std::vector<std::uint8_t> profile(capacity);

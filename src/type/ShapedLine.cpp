@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 
 #include <hb.h>
 #include <unicode/ubidi.h>
@@ -11,6 +10,7 @@
 #include <unicode/uscript.h>
 #include <unicode/utf16.h>
 
+#include "platform/Owned.hpp"
 #include "platform/Require.hpp"
 #include "platform/Unicode.hpp"
 #include "type/Font.hpp"
@@ -18,22 +18,6 @@
 namespace plakard {
 
 namespace {
-
-struct CloseBidi {
-    void operator()(UBiDi* bidi) const { ubidi_close(bidi); }
-};
-struct DestroyBlob {
-    void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
-};
-struct DestroyFace {
-    void operator()(hb_face_t* face) const { hb_face_destroy(face); }
-};
-struct DestroyFont {
-    void operator()(hb_font_t* font) const { hb_font_destroy(font); }
-};
-struct DestroyBuffer {
-    void operator()(hb_buffer_t* buffer) const { hb_buffer_destroy(buffer); }
-};
 
 bool needsShaper(UChar32 c) {
     // Invisible controls (joiners, direction marks) follow the line they sit
@@ -121,23 +105,23 @@ ShapedLine shapeLine(const Font& font, std::string_view text, std::string_view l
     const std::int32_t length = string.length();
 
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UBiDi, CloseBidi> bidi(ubidi_openSized(length, 0, &status));
+    const Owned<UBiDi, ubidi_close> bidi(ubidi_openSized(length, 0, &status));
     // The line's first strong character sets its direction, as a reader expects.
     ubidi_setPara(bidi.get(), units, length, UBIDI_DEFAULT_LTR, nullptr, &status);
     const std::int32_t runCount = ubidi_countRuns(bidi.get(), &status);
     require(U_SUCCESS(status));
 
     // HarfBuzz reads the same bytes stb_truetype does; nothing is copied.
-    const std::unique_ptr<hb_blob_t, DestroyBlob> blob(hb_blob_create(reinterpret_cast<const char*>(font.storage.get()),
-                                                                      static_cast<unsigned>(font.storageSize),
-                                                                      HB_MEMORY_MODE_READONLY, nullptr, nullptr));
-    const std::unique_ptr<hb_face_t, DestroyFace> face(hb_face_create(blob.get(), 0));
-    const std::unique_ptr<hb_font_t, DestroyFont> hbFont(hb_font_create(face.get()));
+    const Owned<hb_blob_t, hb_blob_destroy> blob(hb_blob_create(reinterpret_cast<const char*>(font.storage.get()),
+                                                                static_cast<unsigned>(font.storageSize),
+                                                                HB_MEMORY_MODE_READONLY, nullptr, nullptr));
+    const Owned<hb_face_t, hb_face_destroy> face(hb_face_create(blob.get(), 0));
+    const Owned<hb_font_t, hb_font_destroy> hbFont(hb_font_create(face.get()));
     // Positions in font units, like every other measure of a line.
     const int upem = static_cast<int>(hb_face_get_upem(face.get()));
     hb_font_set_scale(hbFont.get(), upem, upem);
     const double toFontUnits = font.unitsPerEm / upem;
-    const std::unique_ptr<hb_buffer_t, DestroyBuffer> buffer(hb_buffer_create());
+    const Owned<hb_buffer_t, hb_buffer_destroy> buffer(hb_buffer_create());
     const hb_language_t hbLanguage = language.empty()
                                          ? hb_language_get_default()
                                          : hb_language_from_string(language.data(), static_cast<int>(language.size()));
