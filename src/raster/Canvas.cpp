@@ -37,9 +37,4 @@ Canvas::Canvas(std::int64_t width, std::int64_t height, PixelBuffer pixels)
     require(this->pixels.size() == byteCount(width, height));
 }
 
-Canvas::Canvas(std::int64_t width, std::int64_t height, const std::vector<std::uint8_t>& pixels)
-    : width(width), height(height), pixels(pixels) {
-    require(this->pixels.size() == byteCount(width, height));
-}
-
 }  // namespace plakard

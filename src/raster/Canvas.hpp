@@ -25,7 +25,6 @@ struct Canvas {
 
     // Adopts pixels that already hold width x height x 4 bytes.
     Canvas(std::int64_t width, std::int64_t height, PixelBuffer pixels);
-    Canvas(std::int64_t width, std::int64_t height, const std::vector<std::uint8_t>& pixels);
 
     // Reads and decodes a PNG or JPEG file. Throws "cannot read <full path>: ..."
     // or "cannot decode <file name>: <reason> (PNG and JPEG only)".

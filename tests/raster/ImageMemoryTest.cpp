@@ -34,7 +34,7 @@ TEST(ImageMemory, CoverReadInPlaceEqualsTheCroppedCopyResampled) {
     std::mt19937 random(11);
     std::vector<std::uint8_t> bytes(40 * 30 * 4);
     for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random());
-    const Canvas image(40, 30, bytes);
+    const Canvas image(40, 30, PixelBuffer(bytes));
     const struct { std::int64_t width, height, cropX, cropWidth, cropHeight; } cases[] = {
         {10, 15, 10, 20, 30}, {7, 21, 15, 10, 30}, {80, 20, 0, 40, 10}, {40, 10, 0, 40, 10}, {20, 30, 10, 20, 30}};
     for (const auto& c : cases)
