@@ -15,13 +15,14 @@ Canvas composePage(const ComposeRequest& request) {
     // Every line is sized (and refused) before anything is measured for ink,
     // so the first illegible or unmeasurable line in headline order is the one
     // reported.
+    std::vector<double> advances;
     std::vector<double> scales;
+    advances.reserve(request.lines.size());
     scales.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        const double size =
-            fittedLineSize(metrics, line, i, font.advanceUnits(line, request.language), font.unitsPerEm);
-        scales.push_back(size / font.unitsPerEm);
+        advances.push_back(font.advanceUnits(line, request.language));
+        scales.push_back(fittedLineSize(metrics, line, i, advances[i], font.unitsPerEm) / font.unitsPerEm);
     }
     std::vector<InkExtent> inks;
     inks.reserve(request.lines.size());
@@ -38,7 +39,7 @@ Canvas composePage(const ComposeRequest& request) {
     double cursor = placement.headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        const double width = font.advanceUnits(line, request.language) * scales[i];
+        const double width = advances[i] * scales[i];
         font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top, scales[i],
                       request.language);
         cursor = cursor + metrics.lineGap + (inks[i].bottom - inks[i].top);
