@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -36,10 +35,6 @@ public:
     // The same checks on a file's bytes already in memory; `fileName` is the
     // name messages use.
     static std::shared_ptr<const Font> fromData(std::span<const std::uint8_t> bytes, const std::string& fileName);
-
-    // Finds the headline face: --font, then PLAKARD_FONT, then Inter-Black.ttf
-    // beside the executable, then the fixed system fallbacks (with a warning).
-    static std::shared_ptr<const Font> discover(const std::optional<std::string>& fontPath);
 
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;
