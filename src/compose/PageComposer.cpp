@@ -4,6 +4,7 @@
 
 #include "compose/DeviceFrame.hpp"
 #include "compose/PageLayout.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard {
 
@@ -12,22 +13,25 @@ Canvas composePage(const ComposeRequest& request) {
     const Font& font = *request.font;
     const PageMetrics metrics = pageMetrics(request.width, request.height);
 
-    // Every line is sized (and refused) before anything is measured for ink,
-    // so the first illegible or unmeasurable line in headline order is the one
-    // reported.
+    // Every line is laid out once, then sized (and refused) before anything
+    // is measured for ink, so the first illegible or unmeasurable line in
+    // headline order is the one reported.
+    std::vector<LineLayout> layouts;
     std::vector<double> advances;
     std::vector<double> scales;
+    layouts.reserve(request.lines.size());
     advances.reserve(request.lines.size());
     scales.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        advances.push_back(font.advanceUnits(line, request.language));
+        layouts.push_back(layOutLine(font, line, request.language));
+        advances.push_back(layouts[i].advanceUnits());
         scales.push_back(fittedLineSize(metrics, line, i, advances[i], font.unitsPerEm) / font.unitsPerEm);
     }
     std::vector<InkExtent> inks;
     inks.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i)
-        inks.push_back(font.inkExtent(request.lines[i], scales[i], request.language));
+        inks.push_back(layouts[i].inkExtent(scales[i]));
 
     const PagePlacement placement =
         placePage(metrics, request.screenshot.width, request.screenshot.height, request.layout, inks);
@@ -38,10 +42,8 @@ Canvas composePage(const ComposeRequest& request) {
     // ink starts where the previous line's gap ends.
     double cursor = placement.headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
-        const std::string& line = request.lines[i];
         const double width = advances[i] * scales[i];
-        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top, scales[i],
-                      request.language);
+        layouts[i].draw(page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top, scales[i]);
         cursor = cursor + metrics.lineGap + (inks[i].bottom - inks[i].top);
     }
     return page;
