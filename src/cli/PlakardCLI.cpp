@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <string_view>
 
 #include "cli/StandardOutput.hpp"
 #include "platform/PlakardError.hpp"
@@ -18,7 +19,6 @@ constexpr int statusNoCommand = 2;
 
 int printUsage(int status) {
     printLine(usageText);
-    flushStandardOutput();
     return status;
 }
 
@@ -45,14 +45,9 @@ void dispatch(const std::string& command, const ParsedOptions& parsed) {
     }
 }
 
-}  // namespace
-
-int PlakardCLI::main(const std::vector<std::string>& arguments) {
-    // Element 0 is the program path; a process may be started without one.
-    const std::vector<std::string> words(arguments.empty() ? arguments.end() : arguments.begin() + 1,
-                                         arguments.end());
+// The status of a run that did not fail: the usage text's, or a command's.
+int run(const std::vector<std::string>& words) {
     const std::string command = words.empty() ? std::string() : words.front();
-
     if (command.empty()) return printUsage(statusNoCommand);
     if (command == "help") return printUsage(statusSuccess);
     // Asking for help wins wherever it stands, even as an option's value, and
@@ -60,10 +55,21 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
     if (std::ranges::any_of(words, [](const std::string& word) { return word == "--help" || word == "-h"; })) {
         return printUsage(statusSuccess);
     }
+    const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
+    dispatch(command, parsed);
+    return statusSuccess;
+}
 
+}  // namespace
+
+int PlakardCLI::main(const std::vector<std::string>& arguments) {
+    // Element 0 is the program path; a process may be started without one.
+    const std::vector<std::string> words(arguments.empty() ? arguments.end() : arguments.begin() + 1,
+                                         arguments.end());
     try {
-        const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
-        dispatch(command, parsed);
+        const int status = run(words);
+        finishStandardOutput();
+        return status;
     } catch (const PlakardError& error) {
         return reportFailure(error.description);
     } catch (const std::bad_alloc&) {
@@ -75,8 +81,6 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
     } catch (...) {
         return reportFailure("unexpected failure");
     }
-    flushStandardOutput();
-    return statusSuccess;
 }
 
 }  // namespace plakard
