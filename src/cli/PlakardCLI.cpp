@@ -1,10 +1,12 @@
 #include "cli/PlakardCLI.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string_view>
 
+#include "cli/KnownOptions.hpp"
 #include "cli/StandardOutput.hpp"
 #include "platform/PlakardError.hpp"
 #include "platform/StandardError.hpp"
@@ -20,6 +22,13 @@ constexpr int statusNoCommand = 2;
 int printUsage(int status) {
     printLine(usageText);
     return status;
+}
+
+// Scripts set PLAKARD_STRICT to have a mistyped option fail instead of being
+// ignored; empty or "0" leaves the default.
+bool strictOptions() {
+    const char* value = std::getenv("PLAKARD_STRICT");
+    return value != nullptr && *value != '\0' && std::string_view(value) != "0";
 }
 
 // The one place a failure becomes a line on standard error. Lines a driver has
@@ -56,6 +65,7 @@ int run(const std::vector<std::string>& words) {
         return printUsage(statusSuccess);
     }
     const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
+    if (strictOptions()) refuseUnknownOptions(command, parsed.options);
     dispatch(command, parsed);
     return statusSuccess;
 }
