@@ -15,9 +15,12 @@ std::vector<std::vector<std::string>> matchFileHeadlines(const std::string& path
     const std::filesystem::path path = absolutePath(pathText);
     const FileRead file = readFile(path);
     if (!file.ok()) throw PlakardError("cannot read --match file " + path.string() + ": " + file.error);
-    const std::string name = lastComponent(pathText);
+    const std::string_view text(reinterpret_cast<const char*>(file.bytes.data()), file.bytes.size());
+    return matchHeadlines(text, lastComponent(pathText), language);
+}
 
-    std::string_view text(reinterpret_cast<const char*>(file.bytes.data()), file.bytes.size());
+std::vector<std::vector<std::string>> matchHeadlines(std::string_view text, const std::string& name,
+                                                     std::string_view language) {
     // Some editors start a UTF-8 file with a byte-order mark.
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
     std::vector<std::vector<std::string>> headlines;

@@ -15,4 +15,8 @@ namespace plakard {
 // holds no headline; ...".
 std::vector<std::vector<std::string>> matchFileHeadlines(const std::string& pathText, std::string_view language);
 
+// The same from the file's text; `name` is the file name the messages use.
+std::vector<std::vector<std::string>> matchHeadlines(std::string_view text, const std::string& name,
+                                                     std::string_view language);
+
 }  // namespace plakard
