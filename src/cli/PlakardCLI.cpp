@@ -22,9 +22,26 @@ int printUsage(int status) {
     return status;
 }
 
-// The one place a failure becomes a line on standard error. Lines a driver has
-// already printed go out first.
-int reportFailure(std::string_view message) {
+// False when the command ran to its end but found something wrong (check).
+bool dispatch(const std::string& command, const ParsedOptions& parsed) {
+    if (command == "compose") {
+        PlakardCLI::runCompose(parsed.options);
+    } else if (command == "resize") {
+        PlakardCLI::runResize(parsed.options);
+    } else if (command == "probe") {
+        PlakardCLI::runProbe(parsed.positionals);
+    } else if (command == "check") {
+        return PlakardCLI::runCheck(parsed);
+    } else {
+        throw PlakardError("unknown command '" + command + "'; try `plakard help`");
+    }
+    return true;
+}
+
+}  // namespace
+
+// Lines a driver has already printed go out first.
+int PlakardCLI::reportFailure(std::string_view message) {
     flushStandardOutput();
     std::string line = "plakard: ";
     line += message;
@@ -32,20 +49,6 @@ int reportFailure(std::string_view message) {
     writeStandardError(line);
     return statusFailure;
 }
-
-void dispatch(const std::string& command, const ParsedOptions& parsed) {
-    if (command == "compose") {
-        PlakardCLI::runCompose(parsed.options);
-    } else if (command == "resize") {
-        PlakardCLI::runResize(parsed.options);
-    } else if (command == "probe") {
-        PlakardCLI::runProbe(parsed.positionals);
-    } else {
-        throw PlakardError("unknown command '" + command + "'; try `plakard help`");
-    }
-}
-
-}  // namespace
 
 int PlakardCLI::main(const std::vector<std::string>& arguments) {
     // Element 0 is the program path; a process may be started without one.
@@ -63,7 +66,10 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
 
     try {
         const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
-        dispatch(command, parsed);
+        if (!dispatch(command, parsed)) {
+            flushStandardOutput();
+            return statusFailure;
+        }
     } catch (const PlakardError& error) {
         return reportFailure(error.description);
     } catch (const std::bad_alloc&) {
