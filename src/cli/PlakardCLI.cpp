@@ -1,9 +1,12 @@
 #include "cli/PlakardCLI.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <new>
+#include <string_view>
 
+#include "cli/KnownOptions.hpp"
 #include "cli/StandardOutput.hpp"
 #include "platform/PlakardError.hpp"
 #include "platform/StandardError.hpp"
@@ -18,8 +21,14 @@ constexpr int statusNoCommand = 2;
 
 int printUsage(int status) {
     printLine(usageText);
-    flushStandardOutput();
     return status;
+}
+
+// Scripts set PLAKARD_STRICT to have a mistyped option fail instead of being
+// ignored; empty or "0" leaves the default.
+bool strictOptions() {
+    const char* value = std::getenv("PLAKARD_STRICT");
+    return value != nullptr && *value != '\0' && std::string_view(value) != "0";
 }
 
 // False when the command ran to its end but found something wrong (check).
@@ -38,6 +47,21 @@ bool dispatch(const std::string& command, const ParsedOptions& parsed) {
     return true;
 }
 
+// The status of a run that did not fail: the usage text's, or a command's.
+int run(const std::vector<std::string>& words) {
+    const std::string command = words.empty() ? std::string() : words.front();
+    if (command.empty()) return printUsage(statusNoCommand);
+    if (command == "help") return printUsage(statusSuccess);
+    // Asking for help wins wherever it stands, even as an option's value, and
+    // before anything is parsed or read.
+    if (std::ranges::any_of(words, [](const std::string& word) { return word == "--help" || word == "-h"; })) {
+        return printUsage(statusSuccess);
+    }
+    const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
+    if (strictOptions()) refuseUnknownOptions(command, parsed.options);
+    return dispatch(command, parsed) ? statusSuccess : statusFailure;
+}
+
 }  // namespace
 
 // Lines a driver has already printed go out first.
@@ -54,22 +78,10 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
     // Element 0 is the program path; a process may be started without one.
     const std::vector<std::string> words(arguments.empty() ? arguments.end() : arguments.begin() + 1,
                                          arguments.end());
-    const std::string command = words.empty() ? std::string() : words.front();
-
-    if (command.empty()) return printUsage(statusNoCommand);
-    if (command == "help") return printUsage(statusSuccess);
-    // Asking for help wins wherever it stands, even as an option's value, and
-    // before anything is parsed or read.
-    if (std::ranges::any_of(words, [](const std::string& word) { return word == "--help" || word == "-h"; })) {
-        return printUsage(statusSuccess);
-    }
-
     try {
-        const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
-        if (!dispatch(command, parsed)) {
-            flushStandardOutput();
-            return statusFailure;
-        }
+        const int status = run(words);
+        finishStandardOutput();
+        return status;
     } catch (const PlakardError& error) {
         return reportFailure(error.description);
     } catch (const std::bad_alloc&) {
@@ -81,8 +93,6 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
     } catch (...) {
         return reportFailure("unexpected failure");
     }
-    flushStandardOutput();
-    return statusSuccess;
 }
 
 }  // namespace plakard
