@@ -429,8 +429,9 @@ bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart)
     } else {
         if (!cff.present) return false;
         // stb looks up a CFF glyph's charstring by id without a check, so the
-        // character map may only give glyphs that have one.
-        if (compactFontGlyphs(r, cff) <= largestMappedGlyph) return false;
+        // character map may only give glyphs that have one, and so must every
+        // glyph the face counts: the shaper's substitutions can name any.
+        if (compactFontGlyphs(r, cff) < std::max(largestMappedGlyph + 1, glyphCount)) return false;
     }
     return r.ok();
 }
