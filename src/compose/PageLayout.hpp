@@ -36,6 +36,9 @@ PageMetrics pageMetrics(std::int64_t width, std::int64_t height);
 double fittedLineSize(const PageMetrics& metrics, std::string_view line, std::size_t index, double advanceUnits,
                       double unitsPerEm);
 
+// T: the lines' ink heights (top first) plus the gaps between them.
+double headlineBlockHeight(const PageMetrics& metrics, std::span<const InkExtent> lineInks);
+
 struct PagePlacement {
     double blockHeight;   // T: the lines' ink heights plus the gaps between them
     double headlineTop;   // Y: where the first line's ink starts
