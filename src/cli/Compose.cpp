@@ -45,6 +45,8 @@ void PlakardCLI::runCompose(const OptionTable& options) {
                 *language + "')");
         lines = headlineLines(headline, *language);
     }
+    // After --lang, for the same reason.
+    const std::optional<Device> device = parseDevice(options);
 
     // The request, and the capture in it, is gone before the write, whose
     // peak holds the page and stb's copy of it.
@@ -58,6 +60,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .layout = layout,
         .font = std::move(font),
         .language = language.value_or(""),
+        .device = device,
     });
     writePNG(std::move(page), out, true);
     printLine(standardizedPath(outText).string());

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "compose/Device.hpp"
 #include "compose/Layout.hpp"
 #include "raster/Fit.hpp"
 
@@ -38,5 +39,7 @@ const std::string& required(const OptionTable& options, const std::string& key);
 OutputSize parseSize(const OptionTable& options);
 Layout parseLayout(const OptionTable& options);
 Fit parseFit(const OptionTable& options);
+// The --device value, if given.
+std::optional<Device> parseDevice(const OptionTable& options);
 
 }  // namespace plakard

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "compose/Device.hpp"
 #include "compose/Layout.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
@@ -24,6 +26,8 @@ struct ComposeRequest {
     std::shared_ptr<const Font> font;
     // The headline's BCP 47 language tag for the shaper, or empty.
     std::string language{};
+    // What holds the capture; without one, today's phone on every page.
+    std::optional<Device> device{};
 };
 
 }  // namespace plakard

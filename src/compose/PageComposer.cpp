@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "compose/DeviceFrame.hpp"
+#include "compose/DevicePlacement.hpp"
 #include "compose/PageLayout.hpp"
 
 namespace plakard {
@@ -10,7 +11,8 @@ namespace plakard {
 Canvas composePage(const ComposeRequest& request) {
     Canvas page(request.width, request.height, request.background);
     const Font& font = *request.font;
-    const PageMetrics metrics = pageMetrics(request.width, request.height);
+    const PageMetrics metrics =
+        request.device ? devicePageMetrics(request.width, request.height) : pageMetrics(request.width, request.height);
 
     // Every line is sized (and refused) before anything is measured for ink,
     // so the first illegible or unmeasurable line in headline order is the one
@@ -29,14 +31,22 @@ Canvas composePage(const ComposeRequest& request) {
     for (std::size_t i = 0; i < request.lines.size(); ++i)
         inks.push_back(font.inkExtent(request.lines[i], scales[i], request.language));
 
-    const PagePlacement placement =
-        placePage(metrics, request.screenshot.width, request.screenshot.height, request.layout, inks);
-    drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
-               placement.phoneHeight, metrics.bezel);
+    double cursor = 0;
+    if (request.device && showsDeviceWhole(*request.device, request.width, request.height)) {
+        const WholeDevicePlacement placement = placeWholeDevice(
+            metrics, *request.device, request.screenshot.width, request.screenshot.height, request.layout, inks);
+        drawDevice(page, request.screenshot, placement.device);
+        cursor = placement.headlineTop;
+    } else {
+        const PagePlacement placement =
+            placePage(metrics, request.screenshot.width, request.screenshot.height, request.layout, inks);
+        drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
+                   placement.phoneHeight, metrics.bezel);
+        cursor = placement.headlineTop;
+    }
 
-    // The headline goes on last, over the phone where they meet; each line's
+    // The headline goes on last, over the device where they meet; each line's
     // ink starts where the previous line's gap ends.
-    double cursor = placement.headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
         const double width = advances[i] * scales[i];

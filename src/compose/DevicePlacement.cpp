@@ -1,0 +1,121 @@
+#include "compose/DevicePlacement.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "compose/BoxBlur.hpp"
+#include "compose/DeviceModel.hpp"
+#include "platform/PlakardError.hpp"
+#include "platform/Require.hpp"
+
+namespace plakard {
+
+namespace {
+
+// The device's share of the page's height that a headline must leave.
+constexpr double leastDeviceShare = 0.5;
+
+std::string linesText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " line" : " lines");
+}
+
+std::string sizeText(const PageMetrics& metrics) {
+    return std::to_string(roundToInt64(metrics.width)) + "x" + std::to_string(roundToInt64(metrics.height));
+}
+
+// The room a headline block of height T leaves between it, with its gap, and
+// the far edge of the page.
+double roomLeft(const PageMetrics& metrics, double blockHeight) {
+    return metrics.height - metrics.margin - blockHeight - metrics.phoneGap;
+}
+
+PlakardError headlineTooTall(const PageMetrics& metrics, std::span<const InkExtent> lineInks) {
+    std::size_t fitting = 0;
+    while (fitting < lineInks.size() &&
+           roomLeft(metrics, headlineBlockHeight(metrics, lineInks.first(fitting + 1))) >=
+               leastDeviceShare * metrics.height)
+        ++fitting;
+    return PlakardError("headline of " + linesText(lineInks.size()) +
+                        " leaves the device less than half the page's height; " +
+                        (fitting > 0 ? "keep it to " + linesText(fitting) + " or fewer at " + sizeText(metrics)
+                                     : "even its first line is too tall for a " + sizeText(metrics) + " page"));
+}
+
+// The box the device covers with its shadow, whose blur spreads the dropped
+// body by three box passes.
+struct Extent {
+    double left, top, right, bottom;
+};
+
+const RoundedRectangle& outlineOf(const DeviceDrawing& device) { return device.body ? *device.body : device.screen; }
+
+Extent extent(const DeviceDrawing& device) {
+    const RoundedRectangle& outline = outlineOf(device);
+    const RoundedRectangle& shadow = device.shadow;
+    const auto reach = static_cast<double>(3 * blurHalfWidth(device.blurAmount));
+    return {std::min(outline.x, shadow.x - reach), std::min(outline.y, shadow.y - reach),
+            std::max(outline.x + outline.width, shadow.x + shadow.width + reach),
+            std::max(outline.y + outline.height, shadow.y + shadow.height + reach)};
+}
+
+}  // namespace
+
+bool showsDeviceWhole(Device device, std::int64_t pageWidth, std::int64_t pageHeight) {
+    return device != Device::phone || pageWidth > pageHeight;
+}
+
+PageMetrics devicePageMetrics(std::int64_t width, std::int64_t height) {
+    PageMetrics metrics = pageMetrics(width, height);
+    const PageMetrics square = pageMetrics(std::min(width, height), std::min(width, height));
+    metrics.firstLineCap = square.firstLineCap;
+    metrics.otherLineCap = square.otherLineCap;
+    metrics.legibilityFloor = square.legibilityFloor;
+    metrics.lineGap = square.lineGap;
+    return metrics;
+}
+
+WholeDevicePlacement placeWholeDevice(const PageMetrics& metrics, Device device, std::int64_t captureWidth,
+                                      std::int64_t captureHeight, Layout layout,
+                                      std::span<const InkExtent> lineInks) {
+    const double blockHeight = headlineBlockHeight(metrics, lineInks);
+    const double room = roomLeft(metrics, blockHeight);
+    if (room < leastDeviceShare * metrics.height) throw headlineTooTall(metrics, lineInks);
+
+    // The largest whole-pixel short side whose device, shadow included, fits
+    // the room and the page's width, and is no wider than today's phone.
+    const auto fits = [&](std::int64_t shortSide) {
+        const DeviceDrawing drawn =
+            deviceDrawing(device, 0, 0, static_cast<double>(shortSide), captureWidth, captureHeight);
+        const Extent covered = extent(drawn);
+        return outlineOf(drawn).width <= metrics.phoneWidth && covered.right - covered.left <= metrics.width &&
+               covered.bottom - covered.top <= room;
+    };
+    std::int64_t fitting = 0;
+    std::int64_t tooLarge = static_cast<std::int64_t>(std::floor(std::min(metrics.phoneWidth, room))) + 1;
+    while (tooLarge - fitting > 1) {
+        const std::int64_t middle = fitting + (tooLarge - fitting) / 2;
+        if (fits(middle))
+            fitting = middle;
+        else
+            tooLarge = middle;
+    }
+    if (fitting == 0)
+        throw PlakardError("screenshot of " + std::to_string(captureWidth) + "x" + std::to_string(captureHeight) +
+                           " pixels is too narrow for its length to show whole on a " + sizeText(metrics) + " page");
+
+    const auto shortSide = static_cast<double>(fitting);
+    const DeviceDrawing atOrigin = deviceDrawing(device, 0, 0, shortSide, captureWidth, captureHeight);
+    const Extent covered = extent(atOrigin);
+    // As with today's phone, the device keeps to the headline's side of the
+    // room: below it (hero) or above it (device-top). Whole pixels, so the
+    // screen's edges fall between pixels as its size does.
+    const bool hero = layout == Layout::hero;
+    const double headlineTop = hero ? metrics.margin : metrics.height - metrics.margin - blockHeight;
+    const auto x = static_cast<double>(roundToInt64((metrics.width - outlineOf(atOrigin).width) * 0.5));
+    const auto y =
+        static_cast<double>(roundToInt64(hero ? metrics.height - room - covered.top : room - covered.bottom));
+    return {blockHeight, headlineTop, deviceDrawing(device, x, y, shortSide, captureWidth, captureHeight)};
+}
+
+}  // namespace plakard
