@@ -42,21 +42,21 @@ PlakardError headlineTooTall(const PageMetrics& metrics, std::span<const InkExte
                                      : "even its first line is too tall for a " + sizeText(metrics) + " page"));
 }
 
-// The box the device covers with its shadow, whose blur spreads the dropped
-// body by three box passes.
-struct Extent {
-    double left, top, right, bottom;
-};
-
 const RoundedRectangle& outlineOf(const DeviceDrawing& device) { return device.body ? *device.body : device.screen; }
 
-Extent extent(const DeviceDrawing& device) {
+// How far the shadow reaches past the device's outline on each side: the
+// dropped body spread by the blur's three box passes.
+struct Spill {
+    double left, above, right, below;
+};
+
+Spill shadowSpill(const DeviceDrawing& device) {
     const RoundedRectangle& outline = outlineOf(device);
     const RoundedRectangle& shadow = device.shadow;
     const auto reach = static_cast<double>(3 * blurHalfWidth(device.blurAmount));
-    return {std::min(outline.x, shadow.x - reach), std::min(outline.y, shadow.y - reach),
-            std::max(outline.x + outline.width, shadow.x + shadow.width + reach),
-            std::max(outline.y + outline.height, shadow.y + shadow.height + reach)};
+    return {std::max(0.0, outline.x - (shadow.x - reach)), std::max(0.0, outline.y - (shadow.y - reach)),
+            std::max(0.0, shadow.x + shadow.width + reach - outline.x - outline.width),
+            std::max(0.0, shadow.y + shadow.height + reach - outline.y - outline.height)};
 }
 
 }  // namespace
@@ -82,14 +82,18 @@ WholeDevicePlacement placeWholeDevice(const PageMetrics& metrics, Device device,
     const double room = roomLeft(metrics, blockHeight);
     if (room < leastDeviceShare * metrics.height) throw headlineTooTall(metrics, lineInks);
 
-    // The largest whole-pixel short side whose device, shadow included, fits
-    // the room and the page's width, and is no wider than today's phone.
+    // The largest whole-pixel short side whose device fits the room, no wider
+    // than today's phone, with its shadow on the page: the shadow may spread
+    // under the headline's side of the room, as today's phone's does, but not
+    // past the page's edges.
+    const bool hero = layout == Layout::hero;
     const auto fits = [&](std::int64_t shortSide) {
         const DeviceDrawing drawn =
             deviceDrawing(device, 0, 0, static_cast<double>(shortSide), captureWidth, captureHeight);
-        const Extent covered = extent(drawn);
-        return outlineOf(drawn).width <= metrics.phoneWidth && covered.right - covered.left <= metrics.width &&
-               covered.bottom - covered.top <= room;
+        const RoundedRectangle& outline = outlineOf(drawn);
+        const Spill spill = shadowSpill(drawn);
+        return outline.width <= metrics.phoneWidth && outline.width + spill.left + spill.right <= metrics.width &&
+               outline.height + (hero ? spill.below : spill.above) <= room;
     };
     std::int64_t fitting = 0;
     std::int64_t tooLarge = static_cast<std::int64_t>(std::floor(std::min(metrics.phoneWidth, room))) + 1;
@@ -104,17 +108,15 @@ WholeDevicePlacement placeWholeDevice(const PageMetrics& metrics, Device device,
         throw PlakardError("screenshot of " + std::to_string(captureWidth) + "x" + std::to_string(captureHeight) +
                            " pixels is too narrow for its length to show whole on a " + sizeText(metrics) + " page");
 
+    // Centred across, and against the headline's side of the room, as today's
+    // phone is. Whole pixels, so the screen's edges fall between pixels as its
+    // size does.
     const auto shortSide = static_cast<double>(fitting);
-    const DeviceDrawing atOrigin = deviceDrawing(device, 0, 0, shortSide, captureWidth, captureHeight);
-    const Extent covered = extent(atOrigin);
-    // As with today's phone, the device keeps to the headline's side of the
-    // room: below it (hero) or above it (device-top). Whole pixels, so the
-    // screen's edges fall between pixels as its size does.
-    const bool hero = layout == Layout::hero;
+    const RoundedRectangle outline =
+        outlineOf(deviceDrawing(device, 0, 0, shortSide, captureWidth, captureHeight));
     const double headlineTop = hero ? metrics.margin : metrics.height - metrics.margin - blockHeight;
-    const auto x = static_cast<double>(roundToInt64((metrics.width - outlineOf(atOrigin).width) * 0.5));
-    const auto y =
-        static_cast<double>(roundToInt64(hero ? metrics.height - room - covered.top : room - covered.bottom));
+    const auto x = static_cast<double>(roundToInt64((metrics.width - outline.width) * 0.5));
+    const auto y = static_cast<double>(roundToInt64(hero ? metrics.height - room : room - outline.height));
     return {blockHeight, headlineTop, deviceDrawing(device, x, y, shortSide, captureWidth, captureHeight)};
 }
 
