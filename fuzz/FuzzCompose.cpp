@@ -1,16 +1,17 @@
 // Hostile captures and headlines through the whole page composer, with the
-// real headline face: a page comes back, or the decode, legibility or
-// missing-glyph error.
+// real headline face: a page comes back, or the decode, legibility,
+// missing-glyph or device-placement error.
 //
-// Input: one byte of choices (layout, colours, face and language), one byte
-// n, n bytes of headline as typed after --headline, then the capture file's
-// bytes.
+// Input: one byte of choices (layout, colours, face, language and device), one
+// byte n, n bytes of headline as typed after --headline, then the capture
+// file's bytes.
 
 #include <stb_image.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -53,10 +54,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::span<const std::uint8_t> capture(data + 2 + headlineSize, size - 2 - headlineSize);
     if (hugeImage(capture)) return -1;
     const std::string language = (choices & 8) ? "ar" : (choices & 16) ? "tr" : "";
+    // Bit 5 gives a device, bits 6-7 choose it; a device page lies wide when the
+    // headline's length byte is odd.
+    const std::optional<plakard::Device> device =
+        (choices & 32) ? std::optional(plakard::allDevices[choices >> 6]) : std::nullopt;
+    const bool wide = device && (data[1] & 1);
     try {
         const plakard::ComposeRequest request{
-            .width = 120,
-            .height = 260,
+            .width = wide ? 260 : 120,
+            .height = wide ? 120 : 260,
             .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
             .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
             .lines = plakard::headlineLines(headline, language),
@@ -64,9 +70,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             .layout = (choices & 1) ? plakard::Layout::deviceTop : plakard::Layout::hero,
             .font = headlineFace(choices & 4),
             .language = language,
+            .device = device,
         };
         const plakard::Canvas page = plakard::composePage(request);
-        if (page.width != 120 || page.height != 260) __builtin_trap();
+        if (page.width != request.width || page.height != request.height) __builtin_trap();
     } catch (const plakard::PlakardError&) {
     }
     return 0;
