@@ -2,9 +2,10 @@
 // real headline face: a page comes back, or the decode, legibility,
 // missing-glyph or device-placement error.
 //
-// Input: one byte of choices (layout, colours, face, language and device), one
-// byte n, n bytes of headline as typed after --headline, then the capture
-// file's bytes.
+// Input: one byte of choices (layout, colours, face, language, whether the
+// headline is also read as a --match file whose first line is the page's own,
+// a device and a wide page), one byte n, n bytes of headline as typed after
+// --headline, then the capture file's bytes.
 
 #include <stb_image.h>
 
@@ -14,8 +15,10 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "cli/Headline.hpp"
+#include "cli/MatchFile.hpp"
 #include "compose/ComposeRequest.hpp"
 #include "compose/PageComposer.hpp"
 #include "platform/PlakardError.hpp"
@@ -54,22 +57,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::span<const std::uint8_t> capture(data + 2 + headlineSize, size - 2 - headlineSize);
     if (hugeImage(capture)) return -1;
     const std::string language = (choices & 8) ? "ar" : (choices & 16) ? "tr" : "";
-    // Bit 5 gives a device, bits 6-7 choose it; a device page lies wide when the
-    // headline's length byte is odd.
+    const bool matched = (choices & 32) != 0;
+    // Bit 6 gives a device, the length byte's low two bits choose it; bit 7
+    // lays a device page wide.
     const std::optional<plakard::Device> device =
-        (choices & 32) ? std::optional(plakard::allDevices[choices >> 6]) : std::nullopt;
-    const bool wide = device && (data[1] & 1);
+        (choices & 64) ? std::optional(plakard::allDevices[data[1] & 3]) : std::nullopt;
+    const bool wide = device && (choices & 128);
     try {
         const plakard::ComposeRequest request{
             .width = wide ? 260 : 120,
             .height = wide ? 120 : 260,
             .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
             .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
-            .lines = plakard::headlineLines(headline, language),
+            .lines = plakard::headlineLines(matched ? headline.substr(0, headline.find('\n')) : headline, language),
             .screenshot = plakard::decodedImage(capture, "fuzz.png"),
             .layout = (choices & 1) ? plakard::Layout::deviceTop : plakard::Layout::hero,
             .font = headlineFace(choices & 4),
             .language = language,
+            .setHeadlines = matched ? plakard::matchHeadlines(headline, "fuzz.txt", language)
+                                    : std::vector<std::vector<std::string>>{},
             .device = device,
         };
         const plakard::Canvas page = plakard::composePage(request);

@@ -16,13 +16,14 @@ _plakard() {
         --screenshot | --in) _filedir '@(png|PNG|jpg|JPG|jpeg|JPEG)'; return ;;
         --out) _filedir png; return ;;
         --font) _filedir '@(ttf|TTF|otf|OTF|ttc|TTC|otc|OTC)'; return ;;
+        --match) _filedir; return ;;
         --lang) COMPREPLY=($(compgen -W 'en de fr es it pt nl sv tr az el ru uk lt ar he fa ur hi ja ko zh' -- "$cur")); return ;;
         --bg | --fg | --headline | --size) return ;;
     esac
 
     case ${words[1]} in
         compose)
-            [[ $cur == -* ]] && COMPREPLY=($(compgen -W '--bg --fg --headline --screenshot --out --size --layout --font --lang --device --help' -- "$cur"))
+            [[ $cur == -* ]] && COMPREPLY=($(compgen -W '--bg --fg --headline --screenshot --out --size --layout --font --lang --match --device --help' -- "$cur"))
             ;;
         resize)
             [[ $cur == -* ]] && COMPREPLY=($(compgen -W '--in --out --size --fit --help' -- "$cur"))

@@ -30,14 +30,19 @@ double roomLeft(const PageMetrics& metrics, double blockHeight) {
     return metrics.height - metrics.margin - blockHeight - metrics.phoneGap;
 }
 
+// The page's own lines that would fit; when all of them would, the block is
+// the taller one of a --match set.
 PlakardError headlineTooTall(const PageMetrics& metrics, std::span<const InkExtent> lineInks) {
     std::size_t fitting = 0;
     while (fitting < lineInks.size() &&
            roomLeft(metrics, headlineBlockHeight(metrics, lineInks.first(fitting + 1))) >=
                leastDeviceShare * metrics.height)
         ++fitting;
-    return PlakardError("headline of " + linesText(lineInks.size()) +
-                        " leaves the device less than half the page's height; " +
+    const std::string tooTall = " leaves the device less than half the page's height";
+    if (fitting == lineInks.size())
+        return PlakardError("the --match set's headline block" + tooTall + " at " + sizeText(metrics) +
+                            "; shorten its tallest headline");
+    return PlakardError("headline of " + linesText(lineInks.size()) + tooTall + "; " +
                         (fitting > 0 ? "keep it to " + linesText(fitting) + " or fewer at " + sizeText(metrics)
                                      : "even its first line is too tall for a " + sizeText(metrics) + " page"));
 }
@@ -76,9 +81,8 @@ PageMetrics devicePageMetrics(std::int64_t width, std::int64_t height) {
 }
 
 WholeDevicePlacement placeWholeDevice(const PageMetrics& metrics, Device device, std::int64_t captureWidth,
-                                      std::int64_t captureHeight, Layout layout,
+                                      std::int64_t captureHeight, Layout layout, double blockHeight,
                                       std::span<const InkExtent> lineInks) {
-    const double blockHeight = headlineBlockHeight(metrics, lineInks);
     const double room = roomLeft(metrics, blockHeight);
     if (room < leastDeviceShare * metrics.height) throw headlineTooTall(metrics, lineInks);
 

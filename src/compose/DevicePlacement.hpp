@@ -28,12 +28,13 @@ struct WholeDevicePlacement {
     DeviceDrawing device;
 };
 
-// The headline in its layout's place and the device, centred across, as
-// large as fits the rest of the page but no wider than 0.8 of it. Throws when the
-// headline leaves the device less than half the page's height, or when the
-// capture is too narrow for any device to fit.
+// A headline block of height T in its layout's place and the device,
+// centred across, as large as fits the rest of the page but no wider than 0.8
+// of it. Throws when the block leaves the device less than half the page's
+// height (naming how many of the page's own lines, `lineInks`, would fit), or
+// when the capture is too narrow for any device to fit.
 WholeDevicePlacement placeWholeDevice(const PageMetrics& metrics, Device device, std::int64_t captureWidth,
-                                      std::int64_t captureHeight, Layout layout,
+                                      std::int64_t captureHeight, Layout layout, double blockHeight,
                                       std::span<const InkExtent> lineInks);
 
 }  // namespace plakard

@@ -51,13 +51,12 @@ double headlineBlockHeight(const PageMetrics& metrics, std::span<const InkExtent
     double blockHeight = 0;
     for (const InkExtent& ink : lineInks) blockHeight += ink.bottom - ink.top;
     const auto gaps = static_cast<double>(std::max<std::ptrdiff_t>(std::ssize(lineInks) - 1, 0));
-    return blockHeight + metrics.lineGap * gaps;
+    blockHeight += metrics.lineGap * gaps;
+    return blockHeight;
 }
 
 PagePlacement placePage(const PageMetrics& metrics, std::int64_t captureWidth, std::int64_t captureHeight,
-                        Layout layout, std::span<const InkExtent> lineInks) {
-    const double blockHeight = headlineBlockHeight(metrics, lineInks);
-
+                        Layout layout, double blockHeight) {
     const double bezel = metrics.bezel;
     const double screenWidth = metrics.phoneWidth - 2 * bezel;
     const std::int64_t roundedScreenHeight =

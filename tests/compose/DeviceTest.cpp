@@ -36,7 +36,7 @@ TEST(Devices, ShowTheWholeScreenUncoveredAndTheirShadowOnThePage) {
         const Canvas page = composePage(ComposeRequest{c.width, c.height, background, RGBA{200, 0, 0, 255},
                                                        {"TRACK", "EVERY SUBSCRIPTION"},
                                                        Canvas(c.captureWidth, c.captureHeight, white), c.layout,
-                                                       font, "", c.device});
+                                                       font, "", {}, c.device});
         // The screen is where the white is.
         std::int64_t left = c.width, top = c.height, right = -1, bottom = -1;
         for (std::int64_t y = 0; y < c.height; ++y)

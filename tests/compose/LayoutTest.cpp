@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <span>
+#include <string>
+#include <utility>
 
 #include "compose/DevicePlacement.hpp"
 #include "compose/PageLayout.hpp"
@@ -27,15 +30,23 @@ TEST(Layout, TheLegibilityFloorIsSetAndAHairBelowItIsRefused) {
 TEST(Layout, AHeadlineLeavesADeviceDrawnWholeHalfThePage) {
     const PageMetrics metrics = devicePageMetrics(2000, 1000);  // 75 above the headline, 45 below: 880 - T left
     const InkExtent half[] = {{-190, 0}, {-172, 0}};            // 190 + 18 + 172 = 380
-    EXPECT_NO_THROW(placeWholeDevice(metrics, Device::none, 4, 3, Layout::hero, half));
+    EXPECT_NO_THROW(placeWholeDevice(metrics, Device::none, 4, 3, Layout::hero, 380, half));
     const InkExtent more[] = {{-190, 0}, {-172.000001, 0}};
-    try {
-        placeWholeDevice(metrics, Device::none, 4, 3, Layout::hero, more);
-        ADD_FAILURE() << "a headline leaving less than half the page was set";
-    } catch (const PlakardError& error) {
-        EXPECT_EQ(error.description,
-                  "headline of 2 lines leaves the device less than half the page's height;"
-                  " keep it to 1 line or fewer at 2000x1000");
+    // The page's own lines, or the taller block of its --match set.
+    const std::pair<double, std::span<const InkExtent>> tooTall[] = {{headlineBlockHeight(metrics, more), more},
+                                                                     {380.000001, half}};
+    const std::string refusals[] = {
+        "headline of 2 lines leaves the device less than half the page's height; keep it to 1 line or fewer at "
+        "2000x1000",
+        "the --match set's headline block leaves the device less than half the page's height at 2000x1000;"
+        " shorten its tallest headline"};
+    for (std::size_t i = 0; i < 2; ++i) {
+        try {
+            placeWholeDevice(metrics, Device::none, 4, 3, Layout::hero, tooTall[i].first, tooTall[i].second);
+            ADD_FAILURE() << "a headline leaving less than half the page was set";
+        } catch (const PlakardError& error) {
+            EXPECT_EQ(error.description, refusals[i]);
+        }
     }
 }
 
