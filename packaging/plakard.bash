@@ -5,7 +5,7 @@ _plakard() {
     _init_completion || return
 
     if ((cword == 1)); then
-        COMPREPLY=($(compgen -W 'compose resize probe help --help' -- "$cur"))
+        COMPREPLY=($(compgen -W 'compose resize probe check help --help' -- "$cur"))
         return
     fi
 
@@ -13,6 +13,7 @@ _plakard() {
         --layout) COMPREPLY=($(compgen -W 'hero device-top' -- "$cur")); return ;;
         --fit) COMPREPLY=($(compgen -W 'cover stretch' -- "$cur")); return ;;
         --device) COMPREPLY=($(compgen -W 'phone home-button tablet none' -- "$cur")); return ;;
+        --store) COMPREPLY=($(compgen -W 'app-store play' -- "$cur")); return ;;
         --screenshot | --in) _filedir '@(png|PNG|jpg|JPG|jpeg|JPEG)'; return ;;
         --out) _filedir png; return ;;
         --font) _filedir '@(ttf|TTF|otf|OTF|ttc|TTC|otc|OTC)'; return ;;
@@ -33,6 +34,14 @@ _plakard() {
                 COMPREPLY=($(compgen -W '--help' -- "$cur"))
             else
                 _filedir '@(png|PNG|jpg|JPG|jpeg|JPEG)'
+            fi
+            ;;
+        check)
+            # Folders and files: pages are told by content, so any name goes.
+            if [[ $cur == -* ]]; then
+                COMPREPLY=($(compgen -W '--store --help' -- "$cur"))
+            else
+                _filedir
             fi
             ;;
     esac

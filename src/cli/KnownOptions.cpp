@@ -22,6 +22,7 @@ const std::map<std::string_view, std::vector<std::string_view>> knownOptions{
     {"resize", {"--size", "--out", "--in", "--fit"}},
     // probe takes image paths and reads no option at all.
     {"probe", {}},
+    {"check", {"--store"}},
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/StoreRules.hpp"
 #include "compose/Device.hpp"
 #include "compose/Layout.hpp"
 #include "raster/Fit.hpp"
@@ -39,6 +40,7 @@ const std::string& required(const OptionTable& options, const std::string& key);
 OutputSize parseSize(const OptionTable& options);
 Layout parseLayout(const OptionTable& options);
 Fit parseFit(const OptionTable& options);
+Store parseStore(const OptionTable& options);
 // The --device value, if given.
 std::optional<Device> parseDevice(const OptionTable& options);
 

@@ -7,6 +7,7 @@
 #include "raster/Canvas.hpp"
 #include "support/Support.hpp"
 #include "type/Font.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard::test {
 namespace {
@@ -67,9 +68,10 @@ TEST(Fonts, CrashFilesOfTheFuzzTargetsAreRefusedOrHarmless) {
         const Canvas blank(160, 120, RGBA{20, 40, 60, 255});
         for (const double em : {3.0, 24.0, 96.0}) {
             Canvas canvas = blank;
-            font->drawLine(name.starts_with("inverted") ? "A" : "O", canvas, {255, 255, 255, 200}, 2, 100, em / font->unitsPerEm);
+            const LineLayout glyph = layOutLine(*font, name.starts_with("inverted") ? "A" : "O");
+            glyph.draw(canvas, {255, 255, 255, 200}, 2, 100, em / font->unitsPerEm);
             EXPECT_TRUE(canvas == blank) << name << " at " << em;
-            font->drawLine(text, canvas, {255, 255, 255, 255}, 2, 100, em / font->unitsPerEm);
+            layOutLine(*font, text).draw(canvas, {255, 255, 255, 255}, 2, 100, em / font->unitsPerEm);
         }
     }
     for (const auto& entry : fs::directory_iterator(dataPath("crashers/fuzz_image"))) {
