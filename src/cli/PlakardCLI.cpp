@@ -1,9 +1,12 @@
 #include "cli/PlakardCLI.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <new>
+#include <string_view>
 
+#include "cli/KnownOptions.hpp"
 #include "cli/StandardOutput.hpp"
 #include "platform/PlakardError.hpp"
 #include "platform/StandardError.hpp"
@@ -18,8 +21,14 @@ constexpr int statusNoCommand = 2;
 
 int printUsage(int status) {
     printLine(usageText);
-    flushStandardOutput();
     return status;
+}
+
+// Scripts set PLAKARD_STRICT to have a mistyped option fail instead of being
+// ignored; empty or "0" leaves the default.
+bool strictOptions() {
+    const char* value = std::getenv("PLAKARD_STRICT");
+    return value != nullptr && *value != '\0' && std::string_view(value) != "0";
 }
 
 // The one place a failure becomes a line on standard error. Lines a driver has
@@ -45,14 +54,9 @@ void dispatch(const std::string& command, const ParsedOptions& parsed) {
     }
 }
 
-}  // namespace
-
-int PlakardCLI::main(const std::vector<std::string>& arguments) {
-    // Element 0 is the program path; a process may be started without one.
-    const std::vector<std::string> words(arguments.empty() ? arguments.end() : arguments.begin() + 1,
-                                         arguments.end());
+// The status of a run that did not fail: the usage text's, or a command's.
+int run(const std::vector<std::string>& words) {
     const std::string command = words.empty() ? std::string() : words.front();
-
     if (command.empty()) return printUsage(statusNoCommand);
     if (command == "help") return printUsage(statusSuccess);
     // Asking for help wins wherever it stands, even as an option's value, and
@@ -60,10 +64,22 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
     if (std::ranges::any_of(words, [](const std::string& word) { return word == "--help" || word == "-h"; })) {
         return printUsage(statusSuccess);
     }
+    const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
+    if (strictOptions()) refuseUnknownOptions(command, parsed.options);
+    dispatch(command, parsed);
+    return statusSuccess;
+}
 
+}  // namespace
+
+int PlakardCLI::main(const std::vector<std::string>& arguments) {
+    // Element 0 is the program path; a process may be started without one.
+    const std::vector<std::string> words(arguments.empty() ? arguments.end() : arguments.begin() + 1,
+                                         arguments.end());
     try {
-        const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
-        dispatch(command, parsed);
+        const int status = run(words);
+        finishStandardOutput();
+        return status;
     } catch (const PlakardError& error) {
         return reportFailure(error.description);
     } catch (const std::bad_alloc&) {
@@ -75,8 +91,6 @@ int PlakardCLI::main(const std::vector<std::string>& arguments) {
     } catch (...) {
         return reportFailure("unexpected failure");
     }
-    flushStandardOutput();
-    return statusSuccess;
 }
 
 }  // namespace plakard

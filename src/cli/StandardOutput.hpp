@@ -7,9 +7,16 @@
 
 namespace plakard {
 
-// The text and one newline.
+// The text and one newline. Throws "cannot write to standard output: <reason>"
+// when the stream refuses them, so no later image is read for a lost line.
 void printLine(std::string_view text);
 
+// Sends what is buffered; throws like printLine when it cannot, so a run
+// whose lines never arrived does not end as a success.
+void finishStandardOutput();
+
+// Sends what is buffered before a failure is reported, which is the failure
+// that matters: a second one here is not reported.
 void flushStandardOutput();
 
 }  // namespace plakard

@@ -17,6 +17,7 @@ namespace {
 
 // Files handed to the decoders are counted in a signed 32-bit int.
 constexpr std::size_t largestReadableFile = 0x7fffffff;
+constexpr const char* fileTooLarge = "file is 2 GiB or larger";
 
 std::string systemDescription(int error) { return std::generic_category().message(error); }
 
@@ -108,7 +109,11 @@ FileRead readFile(const std::filesystem::path& path) {
         result.error = systemDescription(errno);
         return result;
     }
-    require(status.st_size >= 0 && static_cast<std::uint64_t>(status.st_size) <= largestReadableFile);
+    // Refused before a byte is read: a sparse file of any size costs nothing.
+    if (static_cast<std::uint64_t>(status.st_size) > largestReadableFile) {
+        result.error = fileTooLarge;
+        return result;
+    }
     // The size is a hint: a file that grows (or a pipe, which reports 0) is
     // read to its end all the same.
     std::vector<std::uint8_t>& bytes = result.bytes;
@@ -125,7 +130,12 @@ FileRead readFile(const std::filesystem::path& path) {
         }
         if (got == 0) break;
         filled += static_cast<std::size_t>(got);
-        require(filled <= largestReadableFile);
+        // A file that grew past its size, or a device that never ends.
+        if (filled > largestReadableFile) {
+            result.error = fileTooLarge;
+            bytes.clear();
+            return result;
+        }
     }
     bytes.resize(filled);
     return result;

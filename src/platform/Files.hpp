@@ -12,12 +12,14 @@ namespace plakard {
 
 struct FileRead {
     std::vector<std::uint8_t> bytes;
-    std::string error;  // empty on success; else the system's description, e.g. "No such file or directory"
+    // Empty on success; else the system's description ("No such file or
+    // directory"), or "file is 2 GiB or larger".
+    std::string error;
     bool ok() const { return error.empty(); }
 };
 
 // Reads the whole file in one piece (no memory mapping). A file of 2^31 bytes
-// or more cannot be handed to the decoders and stops the process.
+// or more cannot be handed to the decoders, so it is an error like any other.
 FileRead readFile(const std::filesystem::path& path);
 
 // True when any file-system entry (file, folder, ...) exists at the path.

@@ -63,6 +63,7 @@ Canvas decodedPixels(std::span<const std::uint8_t> data, const std::string& file
     // other undecodable data), but never as a null pointer.
     static const stbi_uc nothing = 0;
     const stbi_uc* bytes = data.empty() ? &nothing : data.data();
+    // Never a trap for a file: readFile refuses one of more than INT32_MAX bytes.
     const int count = toInt32(static_cast<std::int64_t>(data.size()));
     // Refused before anything is allocated, in the decoder's own word.
     if (declaresTooManyPixels(bytes, count)) throw decodeFailure(fileName, "too large");

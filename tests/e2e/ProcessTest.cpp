@@ -84,6 +84,11 @@ TEST(Process, AnImageIsReadWholeFromAPipe) {
 
 TEST(Process, TheWriteIsAnExclusiveNoFollowTemporarySyncedRenamedAndItsFolderSynced) {
     const TempDir dir;
+    const std::vector<std::string> strace = {"/usr/bin/strace", "-qq", "-o", "/dev/null"};
+    const Outcome probe = runProcess({}, {.folder = dir.path, .program = "/bin/true", .before = strace});
+    // Containers and hardened kernels may forbid ptrace, which strace needs.
+    if (probe.status != 0)
+        GTEST_SKIP() << "strace cannot trace /bin/true here (status " << probe.status << "): " << probe.err;
     const Outcome run = runProcess({"resize", "--in", capture, "--out", "o.png", "--size", "5x5"},
                                    {.folder = dir.path,
                                     // LeakSanitizer cannot work under a tracer.
@@ -111,6 +116,71 @@ TEST(Process, LimitsOfMemoryAndFileSizeFailWithOneLineAndLeaveTheFolderAsItWas) 
               1, "", "plakard: not enough memory for images this large\n");
     EXPECT_EQ(snapshot(dir.path), before);
 #endif
+}
+
+TEST(Process, AnInputOf2GiBOrAFullStandardOutputFailsWithOneLineAndWritesNothing) {
+    const TempDir dir, elsewhere;  // the big file is kept out of the snapshots
+    const std::string big = (elsewhere / "big.png").string();
+    writeBytes(big, "");
+    fs::resize_file(big, 2200u << 20);  // sparse: no disk, no time
+    const auto before = snapshot(dir.path);
+    std::vector<std::string> font = page("out.png");
+    font.insert(font.end(), {"--font", big});
+    std::vector<std::string> screenshot = page("out.png");
+    screenshot[8] = big;
+    const std::pair<std::vector<std::string>, std::string> runs[] = {
+        {{"probe", capture, big}, "cannot read "},
+        {{"resize", "--in", big, "--out", "out.png", "--size", "5x5"}, "cannot read "},
+        {screenshot, "cannot read "},
+        {font, "cannot read font "}};
+#if defined(__SANITIZE_ADDRESS__)
+    const rlim_t space = RLIM_INFINITY;  // ASan reserves terabytes of address space
+#else
+    const rlim_t space = 1u << 30;  // the file is refused unread, not read until memory runs out
+#endif
+    for (const auto& [words, reading] : runs) {
+        expectRun(runProcess(words, {.folder = dir.path, .addressSpace = space}), 1,
+                  words[0] == "probe" ? "40x60\n" : "", "plakard: " + reading + big + ": file is 2 GiB or larger\n");
+        EXPECT_EQ(snapshot(dir.path), before);
+    }
+    // 1000 lines overflow the buffer: the run stops at the first lost line, before missing.png.
+    std::vector<std::string> many(1000, capture);
+    many.front() = "probe";
+    many.push_back("missing.png");
+    const std::vector<std::string> full = {"/bin/sh", "-c", "exec \"$@\" >/dev/full", "sh"};
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"probe", capture}, many,
+                                                  {"resize", "--in", capture, "--out", "r.png", "--size", "5x5"},
+                                                  {"help"}})
+        expectRun(runProcess(words, {.folder = dir.path, .before = full}), 1, "",
+                  "plakard: cannot write to standard output: No space left on device\n");
+}
+
+// Scripts opt in to having an option the command does not read refused, before
+// anything is read or written; asking for help and unknown commands come first.
+TEST(Process, PlakardStrictRefusesOptionsTheCommandDoesNotRead) {
+    const TempDir dir;
+    std::vector<std::string> typo = page("out.png");
+    typo.insert(typo.end(), {"--fgg", "#000000"});
+    const auto strict = [&](const std::string& value) {
+        return Launch{.folder = dir.path, .environment = {{"PLAKARD_FONT", face.string()}, {"PLAKARD_STRICT", value}}};
+    };
+    const std::string why = " (refused because PLAKARD_STRICT is set)\n";
+    expectRun(runProcess(typo, strict("1")), 1, "", "plakard: unknown option '--fgg' for compose" + why);
+    expectRun(runProcess({"resize", "--in", capture, "--size=5x5", "--out", "o.png", "--Fit", "stretch"}, strict("1")), 1,
+              "", "plakard: unknown option '--Fit' for resize" + why);
+    expectRun(runProcess({"probe", "--size=5x5", "missing.png"}, strict("yes")), 1, "",
+              "plakard: unknown option '--size' for probe" + why);
+    EXPECT_TRUE(fs::is_empty(dir.path));
+    expectRun(runProcess({"probe", "--size=5x5", "--help"}, strict("1")), 0, readBytes(dataPath("e2e/usage.txt")), "");
+    expectRun(runProcess({"frobnicate", "--size=5x5"}, strict("1")), 1, "",
+              "plakard: unknown command 'frobnicate'; try `plakard help`\n");
+    for (const char* value : {"", "0"})
+        expectRun(runProcess(typo, strict(value)), 0, (dir / "out.png").string() + "\n", "");
+    typo.resize(typo.size() - 2);
+    typo.insert(typo.end(), {"--fg", "#000000", "--layout", "hero", "--font", face.string(), "--lang", "de"});
+    expectRun(runProcess(typo, strict("1")), 0, (dir / "out.png").string() + "\n", "");
+    expectRun(runProcess({"resize", "--in", capture, "--size=5x5", "--out", "o.png", "--fit", "stretch"}, strict("1")), 0,
+              (dir / "o.png").string() + "\n", "");
 }
 
 // Killed at a random moment, or racing another run for the same path, the
