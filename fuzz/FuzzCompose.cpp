@@ -2,9 +2,10 @@
 // real headline face: a page comes back, or the decode, legibility or
 // missing-glyph error.
 //
-// Input: one byte of choices (layout, colours, face and language), one byte
-// n, n bytes of headline as typed after --headline, then the capture file's
-// bytes.
+// Input: one byte of choices (layout, colours, face, language, and whether
+// the headline is also read as a --match file whose first line is the page's
+// own), one byte n, n bytes of headline as typed after --headline, then the
+// capture file's bytes.
 
 #include <stb_image.h>
 
@@ -13,8 +14,10 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "cli/Headline.hpp"
+#include "cli/MatchFile.hpp"
 #include "compose/ComposeRequest.hpp"
 #include "compose/PageComposer.hpp"
 #include "platform/PlakardError.hpp"
@@ -53,17 +56,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::span<const std::uint8_t> capture(data + 2 + headlineSize, size - 2 - headlineSize);
     if (hugeImage(capture)) return -1;
     const std::string language = (choices & 8) ? "ar" : (choices & 16) ? "tr" : "";
+    const bool matched = (choices & 32) != 0;
     try {
         const plakard::ComposeRequest request{
             .width = 120,
             .height = 260,
             .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
             .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
-            .lines = plakard::headlineLines(headline, language),
+            .lines = plakard::headlineLines(matched ? headline.substr(0, headline.find('\n')) : headline, language),
             .screenshot = plakard::decodedImage(capture, "fuzz.png"),
             .layout = (choices & 1) ? plakard::Layout::deviceTop : plakard::Layout::hero,
             .font = headlineFace(choices & 4),
             .language = language,
+            .setHeadlines = matched ? plakard::matchHeadlines(headline, "fuzz.txt", language)
+                                    : std::vector<std::vector<std::string>>{},
         };
         const plakard::Canvas page = plakard::composePage(request);
         if (page.width != 120 || page.height != 260) __builtin_trap();

@@ -2,7 +2,8 @@
 // encodes, or throws the decode error as one line of printable text (the
 // decoder's reason can quote bytes of the file); nothing else may happen.
 // Decoding also reads the file's colour profile and EXIF orientation, so
-// damaged profiles and EXIF blocks are exercised here too.
+// damaged profiles and EXIF blocks are exercised here too, and so is the
+// header reader of `plakard check`.
 
 #include <stb_image.h>
 
@@ -13,6 +14,7 @@
 #include "platform/PlakardError.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/Decode.hpp"
+#include "raster/ImageHeader.hpp"
 
 namespace {
 
@@ -33,6 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             return -1;
         }
     }
+    plakard::imageHeader(std::span(data, size));
     try {
         const plakard::Canvas image = plakard::decodedImage(std::span(data, size), "fuzz.png");
         for (const plakard::Fit fit : {plakard::Fit::cover, plakard::Fit::stretch}) {

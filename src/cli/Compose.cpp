@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/Headline.hpp"
+#include "cli/MatchFile.hpp"
 #include "cli/PlakardCLI.hpp"
 #include "cli/StandardOutput.hpp"
 #include "compose/ComposeRequest.hpp"
@@ -45,6 +46,10 @@ void PlakardCLI::runCompose(const OptionTable& options) {
                 *language + "')");
         lines = headlineLines(headline, *language);
     }
+    // After --lang, so every run without --match fails as it always has.
+    std::vector<std::vector<std::string>> setHeadlines;
+    if (const std::optional<std::string> match = optionalValue(options, "--match"))
+        setHeadlines = matchFileHeadlines(*match, language.value_or(""));
 
     // The request, and the capture in it, is gone before the write, whose
     // peak holds the page and stb's copy of it.
@@ -58,6 +63,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .layout = layout,
         .font = std::move(font),
         .language = language.value_or(""),
+        .setHeadlines = std::move(setHeadlines),
     });
     writePNG(std::move(page), out, true);
     printLine(standardizedPath(outText).string());

@@ -7,7 +7,7 @@
 
 namespace plakard {
 
-std::vector<std::string> headlineLines(std::string_view headline, std::string_view language) {
+std::vector<std::string> splitHeadline(std::string_view headline, std::string_view language) {
     std::vector<std::string> lines;
     while (!headline.empty()) {
         const std::size_t bar = headline.find('|');
@@ -18,6 +18,11 @@ std::vector<std::string> headlineLines(std::string_view headline, std::string_vi
         if (bar == std::string_view::npos) break;
         headline.remove_prefix(bar + 1);
     }
+    return lines;
+}
+
+std::vector<std::string> headlineLines(std::string_view headline, std::string_view language) {
+    std::vector<std::string> lines = splitHeadline(headline, language);
     if (lines.empty()) throw PlakardError("--headline is empty; pass lines separated by '|'");
     return lines;
 }

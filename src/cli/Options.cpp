@@ -127,4 +127,9 @@ Fit parseFit(const OptionTable& options) {
     throw PlakardError("--fit must be one of cover, stretch");
 }
 
+Store parseStore(const OptionTable& options) {
+    if (std::optional<Store> store = storeNamed(optionalValue(options, "--store").value_or("app-store"))) return *store;
+    throw PlakardError("--store must be one of app-store, play");
+}
+
 }  // namespace plakard

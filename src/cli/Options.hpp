@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/StoreRules.hpp"
 #include "compose/Layout.hpp"
 #include "raster/Fit.hpp"
 
@@ -38,5 +39,6 @@ const std::string& required(const OptionTable& options, const std::string& key);
 OutputSize parseSize(const OptionTable& options);
 Layout parseLayout(const OptionTable& options);
 Fit parseFit(const OptionTable& options);
+Store parseStore(const OptionTable& options);
 
 }  // namespace plakard

@@ -31,27 +31,20 @@ bool strictOptions() {
     return value != nullptr && *value != '\0' && std::string_view(value) != "0";
 }
 
-// The one place a failure becomes a line on standard error. Lines a driver has
-// already printed go out first.
-int reportFailure(std::string_view message) {
-    flushStandardOutput();
-    std::string line = "plakard: ";
-    line += message;
-    line += '\n';
-    writeStandardError(line);
-    return statusFailure;
-}
-
-void dispatch(const std::string& command, const ParsedOptions& parsed) {
+// False when the command ran to its end but found something wrong (check).
+bool dispatch(const std::string& command, const ParsedOptions& parsed) {
     if (command == "compose") {
         PlakardCLI::runCompose(parsed.options);
     } else if (command == "resize") {
         PlakardCLI::runResize(parsed.options);
     } else if (command == "probe") {
         PlakardCLI::runProbe(parsed.positionals);
+    } else if (command == "check") {
+        return PlakardCLI::runCheck(parsed);
     } else {
         throw PlakardError("unknown command '" + command + "'; try `plakard help`");
     }
+    return true;
 }
 
 // The status of a run that did not fail: the usage text's, or a command's.
@@ -66,11 +59,20 @@ int run(const std::vector<std::string>& words) {
     }
     const ParsedOptions parsed = parseOptions(std::vector<std::string>(words.begin() + 1, words.end()));
     if (strictOptions()) refuseUnknownOptions(command, parsed.options);
-    dispatch(command, parsed);
-    return statusSuccess;
+    return dispatch(command, parsed) ? statusSuccess : statusFailure;
 }
 
 }  // namespace
+
+// Lines a driver has already printed go out first.
+int PlakardCLI::reportFailure(std::string_view message) {
+    flushStandardOutput();
+    std::string line = "plakard: ";
+    line += message;
+    line += '\n';
+    writeStandardError(line);
+    return statusFailure;
+}
 
 int PlakardCLI::main(const std::vector<std::string>& arguments) {
     // Element 0 is the program path; a process may be started without one.

@@ -24,6 +24,10 @@ struct ComposeRequest {
     std::shared_ptr<const Font> font;
     // The headline's BCP 47 language tag for the shaper, or empty.
     std::string language{};
+    // The other headlines of the page's set (compose --match), each as its
+    // lines; when there are any, the page takes the set's line sizes and block
+    // (compose/HeadlineSet.hpp) instead of being fitted alone.
+    std::vector<std::vector<std::string>> setHeadlines{};
 };
 
 }  // namespace plakard

@@ -1,8 +1,10 @@
 #include "compose/PageComposer.hpp"
 
+#include <optional>
 #include <vector>
 
 #include "compose/DeviceFrame.hpp"
+#include "compose/HeadlineSet.hpp"
 #include "compose/PageLayout.hpp"
 
 namespace plakard {
@@ -24,23 +26,37 @@ Canvas composePage(const ComposeRequest& request) {
         advances.push_back(font.advanceUnits(line, request.language));
         scales.push_back(fittedLineSize(metrics, line, i, advances[i], font.unitsPerEm) / font.unitsPerEm);
     }
+    // A page of a set takes the set's sizes, which never exceed its own.
+    std::optional<SetBlock> set;
+    if (!request.setHeadlines.empty()) {
+        const HeadlineSetGeometry geometry =
+            headlineSetGeometry(font, metrics, request.lines, request.setHeadlines, request.language);
+        for (std::size_t i = 0; i < scales.size(); ++i) scales[i] = geometry.lineSizes[i] / font.unitsPerEm;
+        set = geometry.block;
+    }
     std::vector<InkExtent> inks;
     inks.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i)
         inks.push_back(font.inkExtent(request.lines[i], scales[i], request.language));
 
-    const PagePlacement placement =
-        placePage(metrics, request.screenshot.width, request.screenshot.height, request.layout, inks);
+    const PagePlacement placement = placePage(metrics, request.screenshot.width, request.screenshot.height,
+                                              request.layout, set ? set->height : headlineBlockHeight(metrics, inks));
     drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
                placement.phoneHeight, metrics.bezel);
 
     // The headline goes on last, over the phone where they meet; each line's
-    // ink starts where the previous line's gap ends.
+    // ink starts where the previous line's gap ends. In a set, line 1 sits on
+    // the set's baseline row instead, whatever its own ink.
     double cursor = placement.headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
         const double width = advances[i] * scales[i];
-        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, cursor - inks[i].top, scales[i],
+        double baseline = cursor - inks[i].top;
+        if (set && i == 0) {
+            baseline = placement.headlineTop + set->baselineOffset;
+            cursor = baseline + inks[i].top;
+        }
+        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, baseline, scales[i],
                       request.language);
         cursor = cursor + metrics.lineGap + (inks[i].bottom - inks[i].top);
     }

@@ -47,13 +47,16 @@ double fittedLineSize(const PageMetrics& metrics, std::string_view line, std::si
     return std::min(size, cap);
 }
 
-PagePlacement placePage(const PageMetrics& metrics, std::int64_t captureWidth, std::int64_t captureHeight,
-                        Layout layout, std::span<const InkExtent> lineInks) {
+double headlineBlockHeight(const PageMetrics& metrics, std::span<const InkExtent> lineInks) {
     double blockHeight = 0;
     for (const InkExtent& ink : lineInks) blockHeight += ink.bottom - ink.top;
     const auto gaps = static_cast<double>(std::max<std::ptrdiff_t>(std::ssize(lineInks) - 1, 0));
     blockHeight += metrics.lineGap * gaps;
+    return blockHeight;
+}
 
+PagePlacement placePage(const PageMetrics& metrics, std::int64_t captureWidth, std::int64_t captureHeight,
+                        Layout layout, double blockHeight) {
     const double bezel = metrics.bezel;
     const double screenWidth = metrics.phoneWidth - 2 * bezel;
     const std::int64_t roundedScreenHeight =

@@ -37,19 +37,23 @@ double fittedLineSize(const PageMetrics& metrics, std::string_view line, std::si
                       double unitsPerEm);
 
 struct PagePlacement {
-    double blockHeight;   // T: the lines' ink heights plus the gaps between them
-    double headlineTop;   // Y: where the first line's ink starts
+    double blockHeight;   // T: the height reserved for the headline
+    double headlineTop;   // Y: the block's top, where line 1's ink starts on a page fitted alone
     double phoneLeft;
     double phoneTop;      // may lie above the page (device-top) ...
     double phoneHeight;   // ... or run past its bottom (hero)
     double screenHeight;  // s: the capture's shape at the screen's width
 };
 
-// Places the headline block (the lines' ink extents at their scales, top
-// first) and a phone showing a capture of captureWidth x captureHeight.
-// Throws "screenshot of WxH pixels is too tall ..." for a capture whose
-// screen would have more rows than the resampler can make.
+// T of a page fitted alone: the lines' ink heights (their extents at their
+// scales, top first) and a line gap between each two.
+double headlineBlockHeight(const PageMetrics& metrics, std::span<const InkExtent> lineInks);
+
+// Places a headline block of height T and a phone showing a capture of
+// captureWidth x captureHeight. Throws "screenshot of WxH pixels is too tall
+// ..." for a capture whose screen would have more rows than the resampler can
+// make.
 PagePlacement placePage(const PageMetrics& metrics, std::int64_t captureWidth, std::int64_t captureHeight,
-                        Layout layout, std::span<const InkExtent> lineInks);
+                        Layout layout, double blockHeight);
 
 }  // namespace plakard

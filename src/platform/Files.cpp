@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <system_error>
@@ -139,6 +140,60 @@ FileRead readFile(const std::filesystem::path& path) {
     }
     bytes.resize(filled);
     return result;
+}
+
+FileRead readFileStart(const std::filesystem::path& path, std::size_t count) {
+    FileRead result;
+    Descriptor file(openRetryingInterrupts(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file.get() < 0) {
+        result.error = systemDescription(errno);
+        return result;
+    }
+    result.bytes.resize(count);
+    std::size_t filled = 0;
+    while (filled < count) {
+        ssize_t got = ::read(file.get(), result.bytes.data() + filled, count - filled);
+        if (got < 0) {
+            if (errno == EINTR) continue;
+            result.error = systemDescription(errno);
+            result.bytes.clear();
+            return result;
+        }
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    result.bytes.resize(filled);
+    return result;
+}
+
+FolderListing listFolder(const std::filesystem::path& path) {
+    namespace fs = std::filesystem;
+    FolderListing listing;
+    std::error_code error;
+    fs::directory_iterator entries(path, error);
+    for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
+        const fs::directory_entry& entry = *entries;
+        std::error_code ignored;
+        FolderEntry::Kind kind = FolderEntry::Kind::other;
+        if (entry.symlink_status(ignored).type() == fs::file_type::directory) {
+            kind = FolderEntry::Kind::folder;
+        } else if (entry.is_regular_file(ignored)) {
+            kind = FolderEntry::Kind::file;
+        }
+        listing.entries.push_back({entry.path().filename().string(), kind});
+    }
+    if (error) {
+        listing.entries.clear();
+        listing.error = systemDescription(error.value());
+        return listing;
+    }
+    std::ranges::sort(listing.entries, {}, &FolderEntry::name);
+    return listing;
+}
+
+bool isFolder(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(path, ignored);
 }
 
 bool fileExists(const std::filesystem::path& path) {

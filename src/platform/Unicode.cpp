@@ -82,6 +82,17 @@ std::string upperCased(std::string_view text, std::string_view language) {
     return result;
 }
 
+bool isUtf8Text(std::string_view text) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+    const auto length = static_cast<std::int64_t>(text.size());
+    for (std::int64_t index = 0; index < length;) {
+        UChar32 c;
+        U8_NEXT(bytes, index, length, c);
+        if (c <= 0) return false;
+    }
+    return true;
+}
+
 std::size_t graphemeCount(std::string_view text) {
     if (text.empty()) return 0;
     UErrorCode status = U_ZERO_ERROR;

@@ -20,6 +20,10 @@ std::string upperCased(std::string_view text, std::string_view language = {});
 // Whether ICU reads `tag` as a well-formed BCP 47 tag of a language it knows.
 bool isKnownLanguageTag(std::string_view tag);
 
+// Whether the bytes are well-formed UTF-8 (no overlong forms, surrogates or
+// values past U+10FFFF) and hold no NUL, which no text a person typed does.
+bool isUtf8Text(std::string_view text);
+
 // The number of user-perceived characters (extended grapheme clusters).
 std::size_t graphemeCount(std::string_view text);
 

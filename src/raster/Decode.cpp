@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Files.hpp"
@@ -54,11 +55,7 @@ bool declaresTooManyPixels(const stbi_uc* bytes, int count) {
     return width > 0 && height > 0 && std::int64_t{width} * height > largestDecodablePixelCount;
 }
 
-PlakardError decodeFailure(const std::string& fileName, const std::string& reason) {
-    return PlakardError("cannot decode " + fileName + ": " + reason + " (PNG and JPEG only)");
-}
-
-Canvas decodedPixels(std::span<const std::uint8_t> data, const std::string& fileName) {
+DecodeResult decodedPixels(std::span<const std::uint8_t> data) {
     // An empty file still goes to the decoder (and fails there like any
     // other undecodable data), but never as a null pointer.
     static const stbi_uc nothing = 0;
@@ -66,31 +63,39 @@ Canvas decodedPixels(std::span<const std::uint8_t> data, const std::string& file
     // Never a trap for a file: readFile refuses one of more than INT32_MAX bytes.
     const int count = toInt32(static_cast<std::int64_t>(data.size()));
     // Refused before anything is allocated, in the decoder's own word.
-    if (declaresTooManyPixels(bytes, count)) throw decodeFailure(fileName, "too large");
+    if (declaresTooManyPixels(bytes, count)) return {std::nullopt, "too large"};
     int width = 0;
     int height = 0;
     int channelsInFile = 0;
     clearDecoderFailureReason();
-    std::unique_ptr<stbi_uc, DecodedPixelsFree> decoded(
+    std::unique_ptr<stbi_uc, DecodedPixelsFree> pixels(
         stbi_load_from_memory(bytes, count, &width, &height, &channelsInFile, 4));
-    if (!decoded) {
+    if (!pixels) {
         // The reason is global state of the decoder: read it right away.
-        throw decodeFailure(fileName, printableReason(stbi_failure_reason()));
+        return {std::nullopt, printableReason(stbi_failure_reason())};
     }
     require(width >= 1 && height >= 1 && width <= INT64_MAX / 4 / height);
     const std::size_t byteCount = static_cast<std::size_t>(std::int64_t{width} * height * 4);
     // The decoder allocates through imageMemory, so the canvas takes its buffer over.
-    return Canvas(width, height, PixelBuffer::adopted(decoded.release(), byteCount));
+    return {Canvas(width, height, PixelBuffer::adopted(pixels.release(), byteCount)), {}};
 }
 
 }  // namespace
 
 // The pixels as the file means them to be shown: in sRGB and upright.
-Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
-    Canvas image = decodedPixels(data, fileName);
+DecodeResult decoded(std::span<const std::uint8_t> data) {
+    DecodeResult result = decodedPixels(data);
+    if (!result.image) return result;
     const ImageMetadata metadata = imageMetadata(data);
-    if (metadata.colourProfile) convertToSRGB(image, *metadata.colourProfile);
-    return oriented(std::move(image), metadata.orientation);
+    if (metadata.colourProfile) convertToSRGB(*result.image, *metadata.colourProfile);
+    result.image = oriented(std::move(*result.image), metadata.orientation);
+    return result;
+}
+
+Canvas decodedImage(std::span<const std::uint8_t> data, const std::string& fileName) {
+    DecodeResult result = decoded(data);
+    if (!result.image) throw PlakardError("cannot decode " + fileName + ": " + result.failure + " (PNG and JPEG only)");
+    return std::move(*result.image);
 }
 
 namespace {

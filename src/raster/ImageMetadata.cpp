@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <bitset>
-#include <cstring>
 #include <string_view>
 
 #include "platform/Owned.hpp"
+#include "raster/ImageChunks.hpp"
 #include "raster/Orientation.hpp"
 
 #ifdef PLAKARD_HAVE_LIBDEFLATE
@@ -17,18 +17,6 @@
 namespace plakard {
 
 namespace {
-
-using Bytes = std::span<const std::uint8_t>;
-
-bool startsWith(Bytes bytes, std::string_view prefix) {
-    return bytes.size() >= prefix.size() && std::memcmp(bytes.data(), prefix.data(), prefix.size()) == 0;
-}
-
-std::uint32_t bigEndian(Bytes bytes, std::size_t at, int count) {
-    std::uint32_t value = 0;
-    for (int i = 0; i < count; ++i) value = value << 8 | bytes[at + i];
-    return value;
-}
 
 // The zlib stream of an iCCP chunk, inflated into a buffer that grows only
 // up to the largest profile taken: a stream that would inflate beyond it is
@@ -73,18 +61,12 @@ ImageMetadata pngMetadata(Bytes file) {
     std::optional<std::vector<std::uint8_t>> profile;
     bool colour = false;
     bool declaredSRGB = false;
-    for (std::size_t at = 8; file.size() - at >= 12;) {
-        const std::uint32_t length = bigEndian(file, at, 4);
-        if (length > file.size() - at - 12) break;
-        const Bytes type = file.subspan(at + 4, 4);
-        const Bytes data = file.subspan(at + 8, length);
+    for (const auto& [type, data] : pngChunks(file)) {
         // Colour types 2, 3 and 6 (RGB, palette, RGBA) store colour.
-        if (startsWith(type, "IHDR") && length >= 13) colour = (data[9] & 2) != 0;
+        if (startsWith(type, "IHDR") && data.size() >= 13) colour = (data[9] & 2) != 0;
         if (startsWith(type, "iCCP") && !profile) profile = pngProfile(data);
         if (startsWith(type, "sRGB")) declaredSRGB = true;
         if (startsWith(type, "eXIf")) metadata.orientation = exifOrientation(data);
-        if (startsWith(type, "IEND")) break;
-        at += 12 + std::size_t{length};
     }
     if (colour && !declaredSRGB) metadata.colourProfile = std::move(profile);
     return metadata;
@@ -121,30 +103,13 @@ private:
     Bytes parts_[256];
 };
 
-bool isFrameHeader(std::uint8_t marker) {
-    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
-}
-
 ImageMetadata jpegMetadata(Bytes file) {
     ImageMetadata metadata;
     SplitProfile profile;
     bool colour = false;
     bool sawExif = false;
     // Everything wanted comes before the first scan.
-    for (std::size_t at = 2; file.size() - at >= 4 && file[at] == 0xFF;) {
-        const std::uint8_t marker = file[at + 1];
-        if (marker == 0xFF) {  // fill byte
-            ++at;
-            continue;
-        }
-        if (marker == 0xDA || marker == 0xD9) break;
-        if (marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8)) {  // markers without a length
-            at += 2;
-            continue;
-        }
-        const std::size_t length = bigEndian(file, at + 2, 2);
-        if (length < 2 || length > file.size() - at - 2) break;
-        const Bytes data = file.subspan(at + 4, length - 2);
+    for (const auto& [marker, data] : jpegSegments(file)) {
         if (marker == 0xE1 && !sawExif && startsWith(data, std::string_view("Exif\0\0", 6))) {
             sawExif = true;
             metadata.orientation = exifOrientation(data.subspan(6));
@@ -153,7 +118,6 @@ ImageMetadata jpegMetadata(Bytes file) {
             profile.add(data);
         }
         if (isFrameHeader(marker) && data.size() >= 6) colour = data[5] == 3;
-        at += 2 + length;
     }
     if (colour) metadata.colourProfile = profile.whole();
     return metadata;
@@ -162,8 +126,8 @@ ImageMetadata jpegMetadata(Bytes file) {
 }  // namespace
 
 ImageMetadata imageMetadata(std::span<const std::uint8_t> file) {
-    if (startsWith(file, "\x89PNG\r\n\x1a\n")) return pngMetadata(file);
-    if (startsWith(file, "\xFF\xD8")) return jpegMetadata(file);
+    if (isPNG(file)) return pngMetadata(file);
+    if (isJPEG(file)) return jpegMetadata(file);
     return {};
 }
 

@@ -2,7 +2,8 @@
 # The program as a user gets it: installed into a temporary DESTDIR and run
 # from there (compose finds Inter Black beside the binary through the PATH link,
 # so no fallback warning; the usage text; an error), the manual page rendered
-# without warnings, completion answering, and the listing example run.
+# without warnings, completion answering, and the listing example run (which
+# ends with `plakard check` of its pages).
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 build=${1:-build}
@@ -33,6 +34,7 @@ complete_words() {
 test "$(complete_words plakard res)" = resize
 test "$(complete_words plakard compose --layout '')" = "hero device-top"
 test "$(complete_words plakard resize --f)" = --fit
+test "$(complete_words plakard check --store '')" = "app-store play"
 
 make -s -C examples/listing -j "$(nproc)" PLAKARD="$bin" OUT="$tmp/listing" >/dev/null 2>"$tmp/err"
 test ! -s "$tmp/err"
