@@ -13,6 +13,7 @@
 #include "raster/Blend.hpp"
 #include "raster/Canvas.hpp"
 #include "type/Font.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard {
 namespace {
@@ -139,23 +140,25 @@ void BM_FittedCover(benchmark::State& state) {
 }
 BENCHMARK(BM_FittedCover)->Unit(benchmark::kMillisecond);
 
-// Both lines measured, their ink found and drawn, as a page sets its headline.
-// The Arabic pair goes through the bidi and shaping path; the Latin one does not.
+// Both lines laid out, measured, their ink found and drawn, as a page sets its
+// headline. The Arabic pair goes through the bidi and shaping path; the Latin
+// one does not.
 void BM_HeadlineMeasureAndDraw(benchmark::State& state, const char* facePath, const char* firstLine,
                                const char* secondLine) {
     auto font = Font::load(facePath);
     Canvas page(pageWidth, pageHeight, RGBA{31, 31, 35, 255});
     for (auto _ : state) {
-        double first = font->advanceUnits(firstLine);
-        double second = font->advanceUnits(secondLine);
+        const LineLayout firstLayout = layOutLine(*font, firstLine);
+        const LineLayout secondLayout = layOutLine(*font, secondLine);
+        double first = firstLayout.advanceUnits();
+        double second = secondLayout.advanceUnits();
         double scale1 = std::min(0.7 * pageWidth / first, 0.19 * pageWidth / font->unitsPerEm);
         double scale2 = std::min(0.7 * pageWidth / second, 0.095 * pageWidth / font->unitsPerEm);
-        InkExtent ink1 = font->inkExtent(firstLine, scale1);
-        InkExtent ink2 = font->inkExtent(secondLine, scale2);
-        font->drawLine(firstLine, page, RGBA{255, 255, 255, 255}, (pageWidth - first * scale1) / 2, 210 - ink1.top,
-                       scale1);
-        font->drawLine(secondLine, page, RGBA{255, 255, 255, 255}, (pageWidth - second * scale2) / 2,
-                       500 - ink2.top, scale2);
+        InkExtent ink1 = firstLayout.inkExtent(scale1);
+        InkExtent ink2 = secondLayout.inkExtent(scale2);
+        firstLayout.draw(page, RGBA{255, 255, 255, 255}, (pageWidth - first * scale1) / 2, 210 - ink1.top, scale1);
+        secondLayout.draw(page, RGBA{255, 255, 255, 255}, (pageWidth - second * scale2) / 2, 500 - ink2.top,
+                          scale2);
         benchmark::ClobberMemory();
     }
 }

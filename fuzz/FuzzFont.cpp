@@ -10,11 +10,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/PlakardError.hpp"
-#include "platform/Unicode.hpp"
 #include "raster/Canvas.hpp"
-#include "type/Font.hpp"
+#include "type/FontFace.hpp"
+#include "type/LineLayout.hpp"
 
 namespace {
 
@@ -26,32 +27,37 @@ constexpr double emSizes[] = {3.0, 24.0, 96.0};
 // too large for stb's int sizes are kept: those the drawing refuses itself.
 constexpr std::int64_t largestGlyphPixels = 1024 * 1024;
 
-bool hugeGlyph(const plakard::Font& font, std::string_view text, double scale) {
-    for (const char32_t c : plakard::codePoints(text)) {
-        int x0 = 0;
-        int y0 = 0;
-        int x1 = 0;
-        int y1 = 0;
-        const auto glyphScale = static_cast<float>(scale);
-        stbtt_GetCodepointBitmapBox(&font.info, static_cast<int>(c), glyphScale, glyphScale, &x0, &y0, &x1, &y1);
-        const std::int64_t pixels = (std::int64_t{x1} - x0) * (std::int64_t{y1} - y0);
-        if (x1 > x0 && pixels > largestGlyphPixels && pixels <= INT_MAX) return true;
+bool hugeGlyph(const plakard::LineLayout& line, double scale) {
+    for (const plakard::GlyphRun& run : line.runs()) {
+        std::vector<int> glyphs;
+        for (const plakard::PlacedGlyph& placed : run.placed) glyphs.push_back(placed.glyph);
+        for (const plakard::MappedGlyph& mapped : run.mapped) glyphs.push_back(mapped.glyph);
+        for (const int glyph : glyphs) {
+            int x0 = 0;
+            int y0 = 0;
+            int x1 = 0;
+            int y1 = 0;
+            const auto glyphScale = static_cast<float>(scale);
+            stbtt_GetGlyphBitmapBox(&run.face->face().info, glyph, glyphScale, glyphScale, &x0, &y0, &x1, &y1);
+            const std::int64_t pixels = (std::int64_t{x1} - x0) * (std::int64_t{y1} - y0);
+            if (x1 > x0 && pixels > largestGlyphPixels && pixels <= INT_MAX) return true;
+        }
     }
     return false;
 }
 
 void setLine(const plakard::Font& font, std::string_view text) {
+    const plakard::LineLayout line = plakard::layOutLine(font, text);
     try {
-        font.advanceUnits(text);
+        line.advanceUnits();
     } catch (const plakard::PlakardError&) {
         // a missing glyph; the text is still measured and drawn below
     }
     plakard::Canvas canvas(64, 32, plakard::RGBA{20, 40, 60, 255});
     for (const double em : emSizes) {
         const double scale = em / font.unitsPerEm;
-        font.inkExtent(text, scale);
-        if (!hugeGlyph(font, text, scale))
-            font.drawLine(text, canvas, plakard::RGBA{255, 255, 255, 200}, 2.0, 24.0, scale);
+        line.inkExtent(scale);
+        if (!hugeGlyph(line, scale)) line.draw(canvas, plakard::RGBA{255, 255, 255, 200}, 2.0, 24.0, scale);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/Headline.hpp"
+#include "cli/HeadlineFont.hpp"
 #include "cli/MatchFile.hpp"
 #include "cli/PlakardCLI.hpp"
 #include "cli/StandardOutput.hpp"
@@ -35,7 +36,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     Canvas screenshot(absolutePath(required(options, "--screenshot")));
     const Layout layout = parseLayout(options);
     // An empty --font is still a font path, and fails as one.
-    std::shared_ptr<const Font> font = Font::discover(optionalValue(options, "--font"));
+    std::shared_ptr<const Font> font = headlineFont(optionalValue(options, "--font"));
     // Checked last, so every run without --lang fails as it always has.
     const std::optional<std::string> language = optionalValue(options, "--lang");
     if (language) {

@@ -43,20 +43,24 @@ HeadlineSetGeometry headlineSetGeometry(const Font& font, const PageMetrics& met
     std::vector<std::span<const std::string>> headlines{ownLines};
     headlines.insert(headlines.end(), otherHeadlines.begin(), otherHeadlines.end());
 
+    std::vector<std::vector<LineLayout>> layouts;
     std::vector<std::vector<double>> fitted;
     for (std::span<const std::string> lines : headlines) {
+        std::vector<LineLayout>& laidOut = layouts.emplace_back();
         std::vector<double>& sizes = fitted.emplace_back();
-        for (std::size_t i = 0; i < lines.size(); ++i)
-            sizes.push_back(fittedLineSize(metrics, lines[i], i, font.advanceUnits(lines[i], language), font.unitsPerEm));
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            laidOut.push_back(layOutLine(font, lines[i], language));
+            sizes.push_back(fittedLineSize(metrics, lines[i], i, laidOut[i].advanceUnits(), font.unitsPerEm));
+        }
     }
     HeadlineSetGeometry geometry;
     geometry.lineSizes = setLineSizes(fitted);
 
     std::vector<std::vector<InkExtent>> inks;
-    for (std::span<const std::string> lines : headlines) {
+    for (const std::vector<LineLayout>& laidOut : layouts) {
         std::vector<InkExtent>& extents = inks.emplace_back();
-        for (std::size_t i = 0; i < lines.size(); ++i)
-            extents.push_back(font.inkExtent(lines[i], geometry.lineSizes[i] / font.unitsPerEm, language));
+        for (std::size_t i = 0; i < laidOut.size(); ++i)
+            extents.push_back(laidOut[i].inkExtent(geometry.lineSizes[i] / font.unitsPerEm));
     }
     geometry.block = setBlock(inks, metrics.lineGap);
     return geometry;

@@ -12,6 +12,7 @@
 
 #include "compose/PageLayout.hpp"
 #include "type/Font.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard {
 

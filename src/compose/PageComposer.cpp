@@ -6,6 +6,7 @@
 #include "compose/DeviceFrame.hpp"
 #include "compose/HeadlineSet.hpp"
 #include "compose/PageLayout.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard {
 
@@ -14,16 +15,19 @@ Canvas composePage(const ComposeRequest& request) {
     const Font& font = *request.font;
     const PageMetrics metrics = pageMetrics(request.width, request.height);
 
-    // Every line is sized (and refused) before anything is measured for ink,
-    // so the first illegible or unmeasurable line in headline order is the one
-    // reported.
+    // Every line is laid out once, then sized (and refused) before anything
+    // is measured for ink, so the first illegible or unmeasurable line in
+    // headline order is the one reported.
+    std::vector<LineLayout> layouts;
     std::vector<double> advances;
     std::vector<double> scales;
+    layouts.reserve(request.lines.size());
     advances.reserve(request.lines.size());
     scales.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        advances.push_back(font.advanceUnits(line, request.language));
+        layouts.push_back(layOutLine(font, line, request.language));
+        advances.push_back(layouts[i].advanceUnits());
         scales.push_back(fittedLineSize(metrics, line, i, advances[i], font.unitsPerEm) / font.unitsPerEm);
     }
     // A page of a set takes the set's sizes, which never exceed its own.
@@ -37,7 +41,7 @@ Canvas composePage(const ComposeRequest& request) {
     std::vector<InkExtent> inks;
     inks.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i)
-        inks.push_back(font.inkExtent(request.lines[i], scales[i], request.language));
+        inks.push_back(layouts[i].inkExtent(scales[i]));
 
     const PagePlacement placement = placePage(metrics, request.screenshot.width, request.screenshot.height,
                                               request.layout, set ? set->height : headlineBlockHeight(metrics, inks));
@@ -49,15 +53,13 @@ Canvas composePage(const ComposeRequest& request) {
     // the set's baseline row instead, whatever its own ink.
     double cursor = placement.headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
-        const std::string& line = request.lines[i];
         const double width = advances[i] * scales[i];
         double baseline = cursor - inks[i].top;
         if (set && i == 0) {
             baseline = placement.headlineTop + set->baselineOffset;
             cursor = baseline + inks[i].top;
         }
-        font.drawLine(line, page, request.foreground, (metrics.width - width) * 0.5, baseline, scales[i],
-                      request.language);
+        layouts[i].draw(page, request.foreground, (metrics.width - width) * 0.5, baseline, scales[i]);
         cursor = cursor + metrics.lineGap + (inks[i].bottom - inks[i].top);
     }
     return page;

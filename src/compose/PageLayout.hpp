@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "compose/Layout.hpp"
-#include "type/Font.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard {
 

@@ -1,16 +1,14 @@
 #pragma once
-// The search behind Font::discover with its inputs spelled out, so that each
-// rule can be exercised on its own.
+// Which file the headline is set in, decided from --font and the facts of the
+// process that its caller gathers: nothing here reads the environment or
+// writes anything, so each rule can be exercised on its own.
 
 #include <array>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "type/Font.hpp"
 
 namespace plakard {
 
@@ -27,16 +25,20 @@ inline constexpr std::array<std::string_view, 5> systemFallbackFonts = {
 struct FontSearch {
     std::optional<std::string> fontOption;        // --font, if given
     std::optional<std::string> environmentValue;  // PLAKARD_FONT, if set
-    std::filesystem::path executableDirectory;
+    std::filesystem::path executableDirectory;    // looked at when neither is
     std::span<const std::string_view> fallbacks = systemFallbackFonts;
 };
 
-// The first rule that applies decides; a chosen file that fails to load is
-// not replaced by a later candidate.
-std::shared_ptr<const Font> findFont(const FontSearch& search);
+struct FontChoice {
+    std::filesystem::path path;
+    // When settling for a system fallback, the line to write on standard error
+    // before loading it, so that a broken fallback still explains itself.
+    std::string warning;
+};
 
-// The folder of the running executable with symbolic links resolved, or of
-// the invocation name when the system does not say.
-std::filesystem::path executableDirectory();
+// The first rule that applies decides; a chosen file that then fails to load
+// is not replaced by a later candidate. Throws "font not found: ..." or
+// "no usable font: ...".
+FontChoice chooseFont(const FontSearch& search);
 
 }  // namespace plakard

@@ -3,10 +3,12 @@
 #include <system_error>
 #include <utility>
 
+#include <hb.h>
+
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
 #include "platform/PlakardError.hpp"
-#include "type/Font.hpp"
+#include "type/FontFace.hpp"
 #include "type/FontTables.hpp"
 
 namespace plakard {
@@ -37,6 +39,8 @@ bool tableDirectoryInside(const std::uint8_t* data, std::size_t size, int offset
 
 }  // namespace
 
+Font::Font() : face_(std::make_unique<Face>()) {}
+
 Font::~Font() = default;
 
 std::shared_ptr<const Font> Font::load(const std::filesystem::path& path) {
@@ -49,28 +53,39 @@ std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, 
     if (bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
     // The Font is created in place and never moves: info will point into storage.
     std::shared_ptr<Font> font(new Font());
-    font->storageSize = bytes.size();
-    font->storage = std::make_unique_for_overwrite<std::uint8_t[]>(font->storageSize);
-    std::memcpy(font->storage.get(), bytes.data(), font->storageSize);
+    Face& face = *font->face_;
+    face.storageSize = bytes.size();
+    face.storage = std::make_unique_for_overwrite<std::uint8_t[]>(face.storageSize);
+    std::memcpy(face.storage.get(), bytes.data(), face.storageSize);
 
-    const std::uint8_t* data = font->storage.get();
-    const std::size_t size = font->storageSize;
+    const std::uint8_t* data = face.storage.get();
+    const std::size_t size = face.storageSize;
     const int offset = collectionHeaderInside(data, size) ? stbtt_GetFontOffsetForIndex(data, 0) : -1;
     if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset) ||
-        stbtt_InitFont(&font->info, data, offset) == 0) {
+        stbtt_InitFont(&face.info, data, offset) == 0) {
         font.reset();
         throw PlakardError(fileName + " is not a TrueType or OpenType font, or is truncated");
+    }
+    if (size <= UINT32_MAX) {
+        // HarfBuzz reads the same bytes stb_truetype does; nothing is copied.
+        const Owned<hb_blob_t, hb_blob_destroy> blob(hb_blob_create(reinterpret_cast<const char*>(data),
+                                                                    static_cast<unsigned>(size),
+                                                                    HB_MEMORY_MODE_READONLY, nullptr, nullptr));
+        face.shaperFace.reset(hb_face_create(blob.get(), 0));
+        face.shaperFont.reset(hb_font_create(face.shaperFace.get()));
+        face.shaperUnitsPerEm = static_cast<int>(hb_face_get_upem(face.shaperFace.get()));
+        hb_font_set_scale(face.shaperFont.get(), face.shaperUnitsPerEm, face.shaperUnitsPerEm);
     }
 
     int ascent = 0;
     int descent = 0;
     int lineGap = 0;
-    stbtt_GetFontVMetrics(&font->info, &ascent, &descent, &lineGap);
+    stbtt_GetFontVMetrics(&face.info, &ascent, &descent, &lineGap);
     font->ascentUnits = ascent;
     font->descentUnits = descent;
     // Deliberately through stb's single-precision scale: an em of 1000 gives
     // 999.999952502551, and every headline size is computed from that value.
-    font->unitsPerEm = 1.0 / static_cast<double>(stbtt_ScaleForMappingEmToPixels(&font->info, 1.0f));
+    font->unitsPerEm = 1.0 / static_cast<double>(stbtt_ScaleForMappingEmToPixels(&face.info, 1.0f));
     font->name = fileName;
     return font;
 }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include <hb.h>
 #include <unicode/ubidi.h>
@@ -13,7 +16,7 @@
 #include "platform/Owned.hpp"
 #include "platform/Require.hpp"
 #include "platform/Unicode.hpp"
-#include "type/Font.hpp"
+#include "type/FontFace.hpp"
 
 namespace plakard {
 
@@ -83,7 +86,7 @@ char32_t missingCharacter(const Font& font, const UChar* units, std::int32_t len
     while (index < end) {
         UChar32 c = 0;
         U16_NEXT(units, index, end, c);
-        if (c != U' ' && stbtt_FindGlyphIndex(&font.info, c) == 0) return static_cast<char32_t>(c);
+        if (c != U' ' && stbtt_FindGlyphIndex(&font.face().info, c) == 0) return static_cast<char32_t>(c);
     }
     return codePointAt(units, length, static_cast<std::int32_t>(cluster));
 }
@@ -97,8 +100,9 @@ bool needsShaping(std::string_view text) {
     return false;
 }
 
-ShapedLine shapeLine(const Font& font, std::string_view text, std::string_view language) {
-    require(text.size() <= INT32_MAX && font.storageSize <= UINT32_MAX);
+LineLayout shapeLine(const Font& font, std::string_view text, std::string_view language) {
+    const Font::Face& face = font.face();
+    require(text.size() <= INT32_MAX && face.shaperFont);
     const icu::UnicodeString string =
         icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
     const UChar* units = string.getBuffer();
@@ -111,22 +115,14 @@ ShapedLine shapeLine(const Font& font, std::string_view text, std::string_view l
     const std::int32_t runCount = ubidi_countRuns(bidi.get(), &status);
     require(U_SUCCESS(status));
 
-    // HarfBuzz reads the same bytes stb_truetype does; nothing is copied.
-    const Owned<hb_blob_t, hb_blob_destroy> blob(hb_blob_create(reinterpret_cast<const char*>(font.storage.get()),
-                                                                static_cast<unsigned>(font.storageSize),
-                                                                HB_MEMORY_MODE_READONLY, nullptr, nullptr));
-    const Owned<hb_face_t, hb_face_destroy> face(hb_face_create(blob.get(), 0));
-    const Owned<hb_font_t, hb_font_destroy> hbFont(hb_font_create(face.get()));
     // Positions in font units, like every other measure of a line.
-    const int upem = static_cast<int>(hb_face_get_upem(face.get()));
-    hb_font_set_scale(hbFont.get(), upem, upem);
-    const double toFontUnits = font.unitsPerEm / upem;
+    const double toFontUnits = font.unitsPerEm / face.shaperUnitsPerEm;
     const Owned<hb_buffer_t, hb_buffer_destroy> buffer(hb_buffer_create());
     const hb_language_t hbLanguage = language.empty()
                                          ? hb_language_get_default()
                                          : hb_language_from_string(language.data(), static_cast<int>(language.size()));
 
-    ShapedLine line;
+    std::vector<GlyphRun> glyphRuns;
     std::uint32_t firstMissing = UINT32_MAX;
     std::vector<std::uint32_t> clusterStarts{static_cast<std::uint32_t>(length)};
     double pen = 0;
@@ -144,33 +140,35 @@ ShapedLine shapeLine(const Font& font, std::string_view text, std::string_view l
             hb_buffer_set_direction(buffer.get(), direction == UBIDI_RTL ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
             hb_buffer_set_script(buffer.get(), hb_script_from_string(uscript_getShortName(run.script), -1));
             hb_buffer_set_language(buffer.get(), hbLanguage);
-            hb_shape(hbFont.get(), buffer.get(), nullptr, 0);
+            hb_shape(face.shaperFont.get(), buffer.get(), nullptr, 0);
             unsigned count = 0;
             const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer.get(), &count);
             const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer.get(), &count);
+            GlyphRun& glyphRun = glyphRuns.emplace_back(GlyphRun{.face = &font});
+            glyphRun.placed.reserve(count);
             for (unsigned i = 0; i < count; ++i) {
                 const std::uint32_t cluster = infos[i].cluster;
                 clusterStarts.push_back(cluster);
                 // A damaged face's substitutions can name glyphs it does not
                 // have; those count as missing, like glyph 0.
-                const int glyph = infos[i].codepoint < static_cast<unsigned>(font.info.numGlyphs)
+                const int glyph = infos[i].codepoint < static_cast<unsigned>(face.info.numGlyphs)
                                       ? static_cast<int>(infos[i].codepoint)
                                       : 0;
                 if (glyph == 0 && codePointAt(units, length, static_cast<std::int32_t>(cluster)) != U' ')
                     firstMissing = std::min(firstMissing, cluster);
-                line.glyphs.push_back(
+                glyphRun.placed.push_back(
                     {glyph, pen + positions[i].x_offset * toFontUnits, positions[i].y_offset * toFontUnits});
                 pen += positions[i].x_advance * toFontUnits;
             }
         }
     }
-    line.advance = pen;
+    std::optional<char32_t> missing;
     if (firstMissing != UINT32_MAX) {
         std::sort(clusterStarts.begin(), clusterStarts.end());
         const std::uint32_t clusterEnd = *std::upper_bound(clusterStarts.begin(), clusterStarts.end(), firstMissing);
-        line.missing = missingCharacter(font, units, length, firstMissing, clusterEnd);
+        missing = missingCharacter(font, units, length, firstMissing, clusterEnd);
     }
-    return line;
+    return LineLayout(font, std::move(glyphRuns), pen, missing);
 }
 
 }  // namespace plakard

@@ -7,6 +7,7 @@
 #include "raster/Canvas.hpp"
 #include "support/Support.hpp"
 #include "type/Font.hpp"
+#include "type/LineLayout.hpp"
 
 namespace plakard::test {
 namespace {
@@ -122,9 +123,10 @@ TEST(Fonts, CrashFilesOfTheFuzzTargetsAreRefusedOrHarmless) {
         const Canvas blank(160, 120, RGBA{20, 40, 60, 255});
         for (const double em : {3.0, 24.0, 96.0}) {
             Canvas canvas = blank;
-            font->drawLine(name.starts_with("inverted") ? "A" : "O", canvas, {255, 255, 255, 200}, 2, 100, em / font->unitsPerEm);
+            const LineLayout glyph = layOutLine(*font, name.starts_with("inverted") ? "A" : "O");
+            glyph.draw(canvas, {255, 255, 255, 200}, 2, 100, em / font->unitsPerEm);
             EXPECT_TRUE(canvas == blank) << name << " at " << em;
-            font->drawLine(text, canvas, {255, 255, 255, 255}, 2, 100, em / font->unitsPerEm);
+            layOutLine(*font, text).draw(canvas, {255, 255, 255, 255}, 2, 100, em / font->unitsPerEm);
         }
     }
     for (const auto& entry : fs::directory_iterator(dataPath("crashers/fuzz_image"))) {
@@ -141,12 +143,13 @@ TEST(Fonts, CrashFilesOfTheFuzzTargetsAreRefusedOrHarmless) {
 // canvas holds: every glyph row and column inside, nothing outside.
 TEST(Fonts, GlyphsCutByEveryEdgeDrawWhatALargerCanvasShows) {
     const auto font = Font::load("/usr/share/fonts/opentype/inter/Inter-Black.otf");
+    const LineLayout line = layOutLine(*font, "HI");
     Canvas whole(150, 150, RGBA{20, 40, 60, 255});
-    font->drawLine("HI", whole, {255, 255, 255, 255}, 20.3, 110, 100 / font->unitsPerEm);
+    line.draw(whole, {255, 255, 255, 255}, 20.3, 110, 100 / font->unitsPerEm);
     for (const std::int64_t left : {0, 40, 80})
         for (const std::int64_t top : {0, 50, 100}) {
             Canvas part(70, 50, RGBA{20, 40, 60, 255});
-            font->drawLine("HI", part, {255, 255, 255, 255}, 20.3 - left, 110 - top, 100 / font->unitsPerEm);
+            line.draw(part, {255, 255, 255, 255}, 20.3 - left, 110 - top, 100 / font->unitsPerEm);
             EXPECT_TRUE(part == whole.cropped(left, top, 70, 50)) << left << ", " << top;
         }
 }

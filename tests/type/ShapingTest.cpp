@@ -9,7 +9,8 @@
 
 #include "platform/PlakardError.hpp"
 #include "platform/Unicode.hpp"
-#include "type/Font.hpp"
+#include "type/FontFace.hpp"
+#include "type/LineLayout.hpp"
 #include "type/ShapedLine.hpp"
 #include "cli/Headline.hpp"
 
@@ -58,28 +59,30 @@ TEST(ShapingTest, SetsEachLineAsItsReadersExpect) {
         if (!c.shaped) continue;
         if (*c.refusal) {
             try {
-                font->advanceUnits(c.text);
+                layOutLine(*font, c.text).advanceUnits();
                 ADD_FAILURE() << "measured a line with a missing glyph";
             } catch (const PlakardError& error) {
                 EXPECT_EQ(error.description, c.refusal);
             }
             continue;
         }
-        const ShapedLine line = shapeLine(*font, c.text, "");
+        const LineLayout line = shapeLine(*font, c.text, "");
         std::vector<int> glyphs;
         double previous = -1;
-        for (const PlacedGlyph& placed : line.glyphs) {
-            glyphs.push_back(placed.glyph);
-            EXPECT_GT(placed.x, previous);
-            previous = placed.x;
+        for (const GlyphRun& run : line.runs()) {
+            for (const PlacedGlyph& placed : run.placed) {
+                glyphs.push_back(placed.glyph);
+                EXPECT_GT(placed.x, previous);
+                previous = placed.x;
+            }
         }
         std::vector<int> expected;
         for (char32_t character : codePoints(c.onPage))
-            expected.push_back(stbtt_FindGlyphIndex(&font->info, character));
+            expected.push_back(stbtt_FindGlyphIndex(&font->face().info, character));
         if (*c.onPage) EXPECT_EQ(glyphs, expected);
         else EXPECT_EQ(glyphs.size(), c.glyphs);
         EXPECT_NE(glyphs.front(), 0);
-        EXPECT_GT(line.advance, 0);
+        EXPECT_GT(line.advanceUnits(), 0);
     }
 }
 

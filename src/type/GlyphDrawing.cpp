@@ -1,36 +1,22 @@
+#include "type/GlyphDrawing.hpp"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <memory>
 
-#include "platform/PlakardError.hpp"
 #include "platform/Require.hpp"
-#include "platform/Unicode.hpp"
 #include "raster/Blend.hpp"
-#include "type/Font.hpp"
-#include "type/MissingGlyph.hpp"
-#include "type/ShapedLine.hpp"
 
 namespace plakard {
 
 namespace {
 
-// The ordinary space needs no glyph and has no ink; every other blank does.
-constexpr char32_t space = U' ';
-
 struct FreeGlyphBitmap {
     void operator()(unsigned char* bitmap) const { stbtt_FreeBitmap(bitmap, nullptr); }
 };
 using GlyphBitmap = std::unique_ptr<unsigned char, FreeGlyphBitmap>;
-
-int advanceWidth(const stbtt_fontinfo& info, int codePoint) {
-    // The bearing is not used; not asking for it spares stb a read that hmtx
-    // need not cover for glyphs beyond its long metrics.
-    int advance = 0;
-    stbtt_GetCodepointHMetrics(&info, codePoint, &advance, nullptr);
-    return advance;
-}
 
 std::int64_t sum(std::int64_t a, std::int64_t b) {
     std::int64_t result = 0;
@@ -115,8 +101,8 @@ bool worthRasterising(const stbtt_fontinfo& info, int glyph, float scale, double
     return rows.first < rows.end && columns.first < columns.end;
 }
 
-// One glyph with its pen at `pen` and its baseline on row `baselineRow`,
-// rasterised, blended and freed before the next: no cache outlives its glyph.
+}  // namespace
+
 void drawGlyph(const stbtt_fontinfo& info, int glyph, Canvas& canvas, RGBA colour, double pen, std::int64_t baselineRow,
                float scale) {
     if (!worthRasterising(info, glyph, scale, pen, baselineRow, canvas)) return;
@@ -128,84 +114,6 @@ void drawGlyph(const stbtt_fontinfo& info, int glyph, Canvas& canvas, RGBA colou
     if (bitmap) {
         blendGlyph(canvas, bitmap.get(), width, height, sum(roundToInt64(pen), xOffset), sum(baselineRow, yOffset),
                    colour);
-    }
-}
-
-}  // namespace
-
-double Font::advanceUnits(std::string_view text, std::string_view language) const {
-    if (needsShaping(text)) {
-        const ShapedLine line = shapeLine(*this, text, language);
-        if (line.missing) throw missingGlyph(name, *line.missing);
-        return line.advance;
-    }
-    double total = 0.0;
-    bool first = true;
-    int previous = 0;
-    for (char32_t c : codePoints(text)) {
-        const int codePoint = static_cast<int>(c);
-        if (c != space && stbtt_FindGlyphIndex(&info, codePoint) == 0) {
-            throw missingGlyph(name, c);
-        }
-        const int advance = advanceWidth(info, codePoint);
-        if (!first) total += stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
-        total += advance;
-        previous = codePoint;
-        first = false;
-    }
-    return total;
-}
-
-InkExtent Font::inkExtent(std::string_view text, double scale, std::string_view language) const {
-    double top = std::numeric_limits<double>::max();
-    double bottom = -top;
-    const float glyphScale = static_cast<float>(scale);
-    // Widens the extent by the glyph's box, moved down by `shift` pixels.
-    const auto include = [&](int glyph, double shift) {
-        int x0 = 0;
-        int y0 = 0;
-        int x1 = 0;
-        int y1 = 0;
-        stbtt_GetGlyphBitmapBox(&info, glyph, glyphScale, glyphScale, &x0, &y0, &x1, &y1);
-        if (y0 < y1) {
-            top = std::min(top, y0 + shift);
-            bottom = std::max(bottom, y1 + shift);
-        }
-    };
-    if (needsShaping(text)) {
-        // Marks the shaper raises or lowers take their ink with them.
-        for (const PlacedGlyph& placed : shapeLine(*this, text, language).glyphs)
-            include(placed.glyph, -placed.y * scale);
-    } else {
-        for (char32_t c : codePoints(text))
-            if (c != space) include(stbtt_FindGlyphIndex(&info, static_cast<int>(c)), 0);
-    }
-    if (top < bottom) return {top, bottom};
-    return {-(ascentUnits * scale), -(descentUnits * scale)};
-}
-
-void Font::drawLine(std::string_view text, Canvas& canvas, RGBA colour, double x, double baseline, double scale,
-                    std::string_view language) const {
-    if (text.empty()) return;
-    const std::int64_t baselineRow = roundToInt64(baseline);
-    const float glyphScale = static_cast<float>(scale);
-    if (needsShaping(text)) {
-        for (const PlacedGlyph& placed : shapeLine(*this, text, language).glyphs) {
-            const std::int64_t row = placed.y == 0 ? baselineRow : roundToInt64(baseline - placed.y * scale);
-            drawGlyph(info, placed.glyph, canvas, colour, x + placed.x * scale, row, glyphScale);
-        }
-        return;
-    }
-    double pen = x;
-    bool first = true;
-    int previous = 0;
-    for (char32_t c : codePoints(text)) {
-        const int codePoint = static_cast<int>(c);
-        if (!first) pen += scale * stbtt_GetCodepointKernAdvance(&info, previous, codePoint);
-        drawGlyph(info, stbtt_FindGlyphIndex(&info, codePoint), canvas, colour, pen, baselineRow, glyphScale);
-        pen += scale * advanceWidth(info, codePoint);
-        previous = codePoint;
-        first = false;
     }
 }
 
