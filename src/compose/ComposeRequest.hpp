@@ -8,6 +8,7 @@
 #include "compose/Layout.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
+#include "type/FallbackFaces.hpp"
 #include "type/Font.hpp"
 
 namespace plakard {
@@ -28,6 +29,9 @@ struct ComposeRequest {
     // lines; when there are any, the page takes the set's line sizes and block
     // (compose/HeadlineSet.hpp) instead of being fitted alone.
     std::vector<std::vector<std::string>> setHeadlines{};
+    // Installed faces for the characters `font` lacks (--lang without a
+    // chosen font), or null to refuse such characters.
+    std::shared_ptr<FallbackFaces> fallback{};
 };
 
 }  // namespace plakard
