@@ -37,11 +37,14 @@ bool drawableFormat(FcPattern* font) {
     return name == "TrueType" || name == "CFF";
 }
 
-bool serif(FcPattern* font) {
-    FcChar8* family = nullptr;
-    if (FcPatternGetString(font, FC_FAMILY, 0, &family) != FcResultMatch) return false;
-    const std::string_view name(reinterpret_cast<const char*>(family));
-    return name.find("Serif") != std::string_view::npos && name.find("Sans") == std::string_view::npos;
+std::string_view family(FcPattern* font) {
+    FcChar8* name = nullptr;
+    if (FcPatternGetString(font, FC_FAMILY, 0, &name) != FcResultMatch) return {};
+    return reinterpret_cast<const char*>(name);
+}
+
+bool serif(std::string_view family) {
+    return family.find("Serif") != std::string_view::npos && family.find("Sans") == std::string_view::npos;
 }
 
 double weight(FcPattern* font) {
@@ -55,7 +58,18 @@ struct Candidate {
     FcPattern* font;
     int languageFit;  // 2: the language itself, 1: another region of it, 0: neither
     double weight;
+    bool sans;  // named a sans: Kufi, Naskh and the like are display and book styles
+    // Made for other scripts than Latin: a face that covers many scripts
+    // (DejaVu) draws most of them as an afterthought.
+    bool ownScript;
 };
+
+bool better(const Candidate& a, const Candidate& b) {
+    if (a.languageFit != b.languageFit) return a.languageFit > b.languageFit;
+    if (a.weight != b.weight) return a.weight > b.weight;
+    if (a.sans != b.sans) return a.sans;
+    return a.ownScript && !b.ownScript;
+}
 
 }  // namespace
 
@@ -102,14 +116,15 @@ const Font* FallbackFaces::search(char32_t c) {
     const Owned<FcFontSet, FcFontSetDestroy> sorted(FcFontSort(config, pattern.get(), FcFalse, nullptr, &result));
     if (!sorted) return nullptr;
 
-    // Fontconfig's order puts the language's own faces first; among the
-    // faces that cover the character, the language's heaviest wins.
+    // Among the faces that cover the character, the language's heaviest
+    // wins; fontconfig's order (the language's own forms first, as the
+    // collection member for zh-Hans or ja) settles the rest.
     std::vector<Candidate> candidates;
     for (int i = 0; i < sorted->nfont; ++i) {
         FcPattern* font = sorted->fonts[i];
         FcCharSet* covered = nullptr;
         if (FcPatternGetCharSet(font, FC_CHARSET, 0, &covered) != FcResultMatch ||
-            !FcCharSetHasChar(covered, static_cast<FcChar32>(c)) || !drawableFormat(font) || serif(font))
+            !FcCharSetHasChar(covered, static_cast<FcChar32>(c)) || !drawableFormat(font) || serif(family(font)))
             continue;
         FcLangSet* languages = nullptr;
         int fit = 0;
@@ -117,11 +132,10 @@ const Font* FallbackFaces::search(char32_t c) {
             const FcLangResult has = FcLangSetHasLang(languages, languageName);
             fit = has == FcLangEqual ? 2 : has == FcLangDifferentTerritory ? 1 : 0;
         }
-        candidates.push_back({font, fit, weight(font)});
+        candidates.push_back({font, fit, weight(font), family(font).find("Sans") != std::string_view::npos,
+                              !FcCharSetHasChar(covered, U'A')});
     }
-    std::stable_sort(candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) {
-        return a.languageFit != b.languageFit ? a.languageFit > b.languageFit : a.weight > b.weight;
-    });
+    std::stable_sort(candidates.begin(), candidates.end(), better);
     for (const Candidate& candidate : candidates) {
         FcChar8* file = nullptr;
         int index = 0;
