@@ -1,17 +1,18 @@
 // Hostile captures and headlines through the whole page composer, with the
-// real headline face: a page comes back, or the decode, legibility or
-// missing-glyph error.
+// real headline face: a page comes back, or the decode, legibility,
+// missing-glyph or device-placement error.
 //
-// Input: one byte of choices (layout, colours, face, language, and whether
-// the headline is also read as a --match file whose first line is the page's
-// own), one byte n, n bytes of headline as typed after --headline, then the
-// capture file's bytes.
+// Input: one byte of choices (layout, colours, face, language, whether the
+// headline is also read as a --match file whose first line is the page's own,
+// a device and a wide page), one byte n, n bytes of headline as typed after
+// --headline, then the capture file's bytes.
 
 #include <stb_image.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -57,10 +58,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (hugeImage(capture)) return -1;
     const std::string language = (choices & 8) ? "ar" : (choices & 16) ? "tr" : "";
     const bool matched = (choices & 32) != 0;
+    // Bit 6 gives a device, the length byte's low two bits choose it; bit 7
+    // lays a device page wide.
+    const std::optional<plakard::Device> device =
+        (choices & 64) ? std::optional(plakard::allDevices[data[1] & 3]) : std::nullopt;
+    const bool wide = device && (choices & 128);
     try {
         const plakard::ComposeRequest request{
-            .width = 120,
-            .height = 260,
+            .width = wide ? 260 : 120,
+            .height = wide ? 120 : 260,
             .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
             .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
             .lines = plakard::headlineLines(matched ? headline.substr(0, headline.find('\n')) : headline, language),
@@ -70,9 +76,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             .language = language,
             .setHeadlines = matched ? plakard::matchHeadlines(headline, "fuzz.txt", language)
                                     : std::vector<std::vector<std::string>>{},
+            .device = device,
         };
         const plakard::Canvas page = plakard::composePage(request);
-        if (page.width != 120 || page.height != 260) __builtin_trap();
+        if (page.width != request.width || page.height != request.height) __builtin_trap();
     } catch (const plakard::PlakardError&) {
     }
     return 0;

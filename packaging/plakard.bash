@@ -12,6 +12,7 @@ _plakard() {
     case $prev in
         --layout) COMPREPLY=($(compgen -W 'hero device-top' -- "$cur")); return ;;
         --fit) COMPREPLY=($(compgen -W 'cover stretch' -- "$cur")); return ;;
+        --device) COMPREPLY=($(compgen -W 'phone home-button tablet none' -- "$cur")); return ;;
         --store) COMPREPLY=($(compgen -W 'app-store play' -- "$cur")); return ;;
         --screenshot | --in) _filedir '@(png|PNG|jpg|JPG|jpeg|JPEG)'; return ;;
         --out) _filedir png; return ;;
@@ -23,7 +24,7 @@ _plakard() {
 
     case ${words[1]} in
         compose)
-            [[ $cur == -* ]] && COMPREPLY=($(compgen -W '--bg --fg --headline --screenshot --out --size --layout --font --lang --match --help' -- "$cur"))
+            [[ $cur == -* ]] && COMPREPLY=($(compgen -W '--bg --fg --headline --screenshot --out --size --layout --font --lang --match --device --help' -- "$cur"))
             ;;
         resize)
             [[ $cur == -* ]] && COMPREPLY=($(compgen -W '--in --out --size --fit --help' -- "$cur"))

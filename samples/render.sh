@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Regenerates the sample captures samples/capture-N.png from the HTML screens in samples/html/,
-# and the two real-input fixtures of the end-to-end tests made from them:
+# the tablet and landscape captures beside them, and the two real-input fixtures of the
+# end-to-end tests made from them:
 #   tests/data/images/browser-screenshot.png  a plain browser screenshot, 390x844 at scale 1
 #   tests/data/images/capture.jpg             capture-1 as a 400 px wide JPEG, quality 85
-# A phone screen is 393x852 points; at a device scale of 3 that is a 1179x2556 capture.
+# A phone screen is 393x852 points; at a device scale of 3 that is a 1179x2556 capture. A 13-inch
+# tablet's is 1032x1376 points at a scale of 2 (2064x2752), and the phone on its side 932x430
+# points at a scale of 3 (2796x1290).
 # Needs Debian's chromium, optipng, imagemagick and python3 (sample tooling, not a build dependency).
 set -euo pipefail
 
@@ -40,6 +43,8 @@ PY
 
 render "$here/html/subscriptions.html" "$here/capture-1.png" 393 852 3
 render "$here/html/insights.html"      "$here/capture-2.png" 393 852 3
+render "$here/html/tablet.html"        "$here/capture-tablet.png" 1032 1376 2
+render "$here/html/landscape.html"     "$here/capture-landscape.png" 932 430 3
 
 mkdir -p "$fixtures"
 render "$here/html/insights.html" "$fixtures/browser-screenshot.png" 390 844 1

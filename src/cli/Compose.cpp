@@ -60,6 +60,8 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     std::vector<std::vector<std::string>> setHeadlines;
     if (const std::optional<std::string> match = optionalValue(options, "--match"))
         setHeadlines = matchFileHeadlines(*match, language.value_or(""), fallback);
+    // After --match, so every run without --device fails as it always has.
+    const std::optional<Device> device = parseDevice(options);
 
     // The request, and the capture in it, is gone before the write, whose
     // peak holds the page and stb's copy of it.
@@ -74,6 +76,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .font = std::move(font),
         .language = language.value_or(""),
         .setHeadlines = std::move(setHeadlines),
+        .device = device,
         .fallback = fallback ? std::make_shared<FallbackFaces>(*language) : nullptr,
     });
     writePNG(std::move(page), out, true);

@@ -16,7 +16,9 @@ namespace plakard {
 namespace {
 
 const std::map<std::string_view, std::vector<std::string_view>> knownOptions{
-    {"compose", {"--size", "--headline", "--out", "--bg", "--fg", "--screenshot", "--layout", "--font", "--lang", "--match"}},
+    {"compose",
+     {"--size", "--headline", "--out", "--bg", "--fg", "--screenshot", "--layout", "--font", "--lang", "--match",
+      "--device"}},
     {"resize", {"--size", "--out", "--in", "--fit"}},
     // probe takes image paths and reads no option at all.
     {"probe", {}},

@@ -132,4 +132,16 @@ Store parseStore(const OptionTable& options) {
     throw PlakardError("--store must be one of app-store, play");
 }
 
+std::optional<Device> parseDevice(const OptionTable& options) {
+    const std::optional<std::string> text = optionalValue(options, "--device");
+    if (!text) return std::nullopt;
+    if (std::optional<Device> device = deviceNamed(*text)) return device;
+    std::string message = "--device must be one of ";
+    for (std::size_t i = 0; i < allDevices.size(); ++i) {
+        if (i > 0) message += ", ";
+        message += deviceText(allDevices[i]);
+    }
+    throw PlakardError(message);
+}
+
 }  // namespace plakard

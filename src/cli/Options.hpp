@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/StoreRules.hpp"
+#include "compose/Device.hpp"
 #include "compose/Layout.hpp"
 #include "raster/Fit.hpp"
 
@@ -40,5 +41,7 @@ OutputSize parseSize(const OptionTable& options);
 Layout parseLayout(const OptionTable& options);
 Fit parseFit(const OptionTable& options);
 Store parseStore(const OptionTable& options);
+// The --device value, if given.
+std::optional<Device> parseDevice(const OptionTable& options);
 
 }  // namespace plakard

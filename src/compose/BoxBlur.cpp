@@ -180,9 +180,14 @@ void verticalPass(Canvas& image, const Region& region, std::int64_t k, std::vect
 
 }  // namespace
 
+std::int64_t blurHalfWidth(double amount) {
+    if (!(amount >= 0.5)) return 0;
+    return std::max<std::int64_t>(1, roundToInt64(amount * 1.2));
+}
+
 void blurInPlace(Canvas& image, double amount) {
-    if (!(amount >= 0.5)) return;
-    const std::int64_t k = std::max<std::int64_t>(1, roundToInt64(amount * 1.2));
+    const std::int64_t k = blurHalfWidth(amount);
+    if (k == 0) return;
     require(k <= maxHalfWidth);
 
     Region region;

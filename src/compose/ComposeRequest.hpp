@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "compose/Device.hpp"
 #include "compose/Layout.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
@@ -29,6 +31,8 @@ struct ComposeRequest {
     // lines; when there are any, the page takes the set's line sizes and block
     // (compose/HeadlineSet.hpp) instead of being fitted alone.
     std::vector<std::vector<std::string>> setHeadlines{};
+    // What holds the capture; without one, today's phone on every page.
+    std::optional<Device> device{};
     // Installed faces for the characters `font` lacks (--lang without a
     // chosen font), or null to refuse such characters.
     std::shared_ptr<FallbackFaces> fallback{};

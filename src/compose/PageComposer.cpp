@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "compose/DeviceFrame.hpp"
+#include "compose/DevicePlacement.hpp"
 #include "compose/HeadlineSet.hpp"
 #include "compose/PageLayout.hpp"
 #include "type/LineLayout.hpp"
@@ -13,7 +14,8 @@ namespace plakard {
 Canvas composePage(const ComposeRequest& request) {
     Canvas page(request.width, request.height, request.background);
     const Font& font = *request.font;
-    const PageMetrics metrics = pageMetrics(request.width, request.height);
+    const PageMetrics metrics =
+        request.device ? devicePageMetrics(request.width, request.height) : pageMetrics(request.width, request.height);
 
     // Every line is laid out once, then sized (and refused) before anything
     // is measured for ink, so the first illegible or unmeasurable line in
@@ -44,20 +46,31 @@ Canvas composePage(const ComposeRequest& request) {
     for (std::size_t i = 0; i < request.lines.size(); ++i)
         inks.push_back(layouts[i].inkExtent(scales[i]));
 
-    const PagePlacement placement = placePage(metrics, request.screenshot.width, request.screenshot.height,
-                                              request.layout, set ? set->height : headlineBlockHeight(metrics, inks));
-    drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
-               placement.phoneHeight, metrics.bezel);
+    const double blockHeight = set ? set->height : headlineBlockHeight(metrics, inks);
+    double headlineTop = 0;
+    if (request.device && showsDeviceWhole(*request.device, request.width, request.height)) {
+        const WholeDevicePlacement placement = placeWholeDevice(metrics, *request.device, request.screenshot.width,
+                                                                request.screenshot.height, request.layout,
+                                                                blockHeight, inks);
+        drawDevice(page, request.screenshot, placement.device);
+        headlineTop = placement.headlineTop;
+    } else {
+        const PagePlacement placement = placePage(metrics, request.screenshot.width, request.screenshot.height,
+                                                  request.layout, blockHeight);
+        drawDevice(page, request.screenshot, placement.phoneLeft, placement.phoneTop, metrics.phoneWidth,
+                   placement.phoneHeight, metrics.bezel);
+        headlineTop = placement.headlineTop;
+    }
 
-    // The headline goes on last, over the phone where they meet; each line's
+    // The headline goes on last, over the device where they meet; each line's
     // ink starts where the previous line's gap ends. In a set, line 1 sits on
     // the set's baseline row instead, whatever its own ink.
-    double cursor = placement.headlineTop;
+    double cursor = headlineTop;
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const double width = advances[i] * scales[i];
         double baseline = cursor - inks[i].top;
         if (set && i == 0) {
-            baseline = placement.headlineTop + set->baselineOffset;
+            baseline = headlineTop + set->baselineOffset;
             cursor = baseline + inks[i].top;
         }
         layouts[i].draw(page, request.foreground, (metrics.width - width) * 0.5, baseline, scales[i]);

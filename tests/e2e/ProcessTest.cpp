@@ -169,7 +169,7 @@ TEST(Process, PlakardStrictRefusesOptionsTheCommandDoesNotRead) {
         expectRun(runProcess(typo, strict(value)), 0, (dir / "out.png").string() + "\n", "");
     typo.resize(typo.size() - 2);
     typo.insert(typo.end(), {"--fg", "#000000", "--layout", "hero", "--font", face.string(), "--lang", "de", "--match",
-                             dataPath("e2e/match-set.txt").string()});
+                             dataPath("e2e/match-set.txt").string(), "--device", "phone"});
     expectRun(runProcess(typo, strict("1")), 0, (dir / "out.png").string() + "\n", "");
     expectRun(runProcess({"resize", "--in", capture, "--size=5x5", "--out", "o.png", "--fit", "stretch"}, strict("1")), 0,
               (dir / "o.png").string() + "\n", "");
