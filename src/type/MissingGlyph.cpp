@@ -13,7 +13,13 @@ namespace {
 std::string quoted(char32_t character) {
     char digits[16];
     std::snprintf(digits, sizeof digits, "%X", static_cast<unsigned>(character));
-    return "'" + utf8(character) + "' (U+" + digits + ")";
+    // Appended step by step: GCC 12 warns (wrongly) on the chained operator+.
+    std::string text = "'";
+    text += utf8(character);
+    text += "' (U+";
+    text += digits;
+    text += ')';
+    return text;
 }
 
 // The Debian package with a heavy face for the character's script, or null.
