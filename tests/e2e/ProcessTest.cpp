@@ -48,9 +48,12 @@ TEST(Process, TheFaceIsTheOptionThenTheVariableThenBesideTheResolvedBinaryThenAS
                   (dir / "a.png").string() + "\n", "");
     expectRun(runProcess(page("b.png"), {.folder = dir.path, .program = dir / "lone/plakard"}), 0,
               (dir / "b.png").string() + "\n", warning);
+    // The variable wins over a face beside the binary and one in the working folder.
+    writeBytes(dir / "Inter-Black.ttf", "not a face");
     for (const char* value : {"", "missing.ttf"})
-        expectRun(runProcess(page("c.png"), {.folder = dir.path, .environment = {{"PLAKARD_FONT", value}}}), 1, "",
-                  "plakard: font not found: " + std::string(value) + " (from PLAKARD_FONT)\n");
+        expectRun(runProcess(page("c.png"), {.folder = dir.path, .environment = {{"PLAKARD_FONT", value}},
+                                             .program = dir / "bin/plakard"}),
+                  1, "", "plakard: font not found: " + std::string(value) + " (from PLAKARD_FONT)\n");
     std::vector<std::string> chosen = page("d.png");
     chosen.insert(chosen.end(), {"--font", face.string()});
     expectRun(runProcess(chosen, {.folder = dir.path, .environment = {{"PLAKARD_FONT", "missing.ttf"}}}), 0,
@@ -71,6 +74,12 @@ TEST(Process, TheFaceIsTheOptionThenTheVariableThenBesideTheResolvedBinaryThenAS
         if (run.status == 125) GTEST_SKIP() << "cannot mount in a private namespace here";
         expectRun(run, 1, "", err);
     }
+}
+
+TEST(Process, AnImageIsReadWholeFromAPipe) {
+    const TempDir dir;
+    const std::vector<std::string> piped = {"/bin/sh", "-c", "cat \"$0\" | \"$@\"", dataPath("images/capture.jpg")};
+    expectRun(runProcess({"probe", "/dev/stdin"}, {.folder = dir.path, .before = piped}), 0, "400x867\n", "");
 }
 
 TEST(Process, TheWriteIsAnExclusiveNoFollowTemporarySyncedRenamedAndItsFolderSynced) {

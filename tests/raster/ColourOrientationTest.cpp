@@ -33,7 +33,7 @@ TEST(ColourOrientationTest, DecodesToTheReferencePixels) {
         {"orientation-4.jpg", "blocks.jpg"},    {"orientation-5.jpg", "blocks.jpg"},
         {"orientation-6.jpg", "blocks.jpg"},    {"orientation-7.jpg", "blocks.jpg"},
         {"orientation-8.jpg", "blocks.jpg"},    {"repeated-segment.jpg", "blocks.jpg"},
-        {"grey-rgb-profile.jpg", "grey-blocks.jpg"},
+        {"grey-rgb-profile.jpg", "grey-blocks.jpg"}, {"orientation-6.png", "blocks.png"},
     };
     for (const auto& c : cases) {
         const Canvas got = image(c.file);

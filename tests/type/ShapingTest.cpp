@@ -82,7 +82,6 @@ TEST(ShapingTest, SetsEachLineAsItsReadersExpect) {
         if (*c.onPage) EXPECT_EQ(glyphs, expected);
         else EXPECT_EQ(glyphs.size(), c.glyphs);
         EXPECT_NE(glyphs.front(), 0);
-        EXPECT_EQ(layOutLine(*font, c.text).advanceUnits(), line.advanceUnits());
         EXPECT_GT(line.advanceUnits(), 0);
     }
 }

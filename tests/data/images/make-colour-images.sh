@@ -44,8 +44,9 @@ import struct, subprocess, sys, zlib
 tmp, colours = sys.argv[1], [tuple(map(int, c.split(','))) for c in sys.argv[2:]]
 rows = [bytes(v for bx in range(4) for _ in range(8) for v in colours[by * 4 + bx]) for by in range(2) for _ in range(8)]
 def chunk(kind, data): return struct.pack('>I', len(data)) + kind + data + struct.pack('>I', zlib.crc32(kind + data))
-def png(name, extra=b''):
-    ihdr, idat = struct.pack('>IIBBBBB', 32, 16, 8, 2, 0, 0, 0), zlib.compress(b''.join(b'\0' + r for r in rows))
+def png(name, extra=b'', pixels=rows):
+    ihdr = struct.pack('>IIBBBBB', len(pixels[0]) // 3, len(pixels), 8, 2, 0, 0, 0)
+    idat = zlib.compress(b''.join(b'\0' + r for r in pixels))
     open(name, 'wb').write(b'\x89PNG\r\n\x1a\n' + chunk(b'IHDR', ihdr) + extra + chunk(b'IDAT', idat) + chunk(b'IEND', b''))
 def iccp(profile): return chunk(b'iCCP', b'icc\0\0' + zlib.compress(profile))
 p3 = open(f'{tmp}/p3.icc', 'rb').read()
@@ -71,13 +72,16 @@ gamma18 = open(f'{tmp}/gamma18.icc', 'rb').read()
 grey = run('cjpeg', '-quality', '100', '-grayscale', input=b'P6\n32 16\n255\n' + b''.join(rows))
 open('grey-blocks.jpg', 'wb').write(grey)
 after_soi('grey-rgb-profile.jpg', grey, segment(0xE2, b'ICC_PROFILE\0\1\1' + gamma18))
-def exif(orientation, entries=1):
+def tiff(orientation, entries=1):
     ifd = struct.pack('>HHHIHH', entries, 0x0112, 3, 1, orientation, 0) + bytes(4)
-    return segment(0xE1, b'Exif\0\0MM\0*' + struct.pack('>I', 8) + ifd)
+    return b'MM\0*' + struct.pack('>I', 8) + ifd
+def exif(orientation, entries=1): return segment(0xE1, b'Exif\0\0' + tiff(orientation, entries))
 # Stored so that each orientation shows the upright blocks.
 stored = ['', '-flip horizontal', '-rotate 180', '-flip vertical', '-transpose', '-rotate 270', '-transverse', '-rotate 90']
 for orientation, transform in enumerate(stored, 1):
     after_soi(f'orientation-{orientation}.jpg', run('jpegtran', '-perfect', '-copy', 'none', *transform.split(), 'blocks.jpg'), exif(orientation))
+# A PNG turned by its eXIf chunk: stored a quarter turn anticlockwise, shown upright.
+png('orientation-6.png', chunk(b'eXIf', tiff(6)), [bytes(v for x in range(16) for v in rows[x][93 - 3 * y:96 - 3 * y]) for y in range(32)])
 # An orientation entry behind a directory that claims more entries than fit.
 after_soi('damaged-exif.jpg', jpeg, exif(6, 5000))
 PY

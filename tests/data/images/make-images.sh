@@ -29,6 +29,8 @@ im /tmp/plakard-plasma.pam -interlace PNG PNG32:interlaced.png
 im -size 32x16 xc:'rgb(200,100,50)' -quality 95 rgb.jpg
 im -size 32x16 xc:'rgb(20,140,220)' -quality 95 -interlace JPEG progressive.jpg
 im /tmp/plakard-rgba.pam not-an-image.gif
+# A capture far wider than tall: the phone around it is shorter than its corners.
+im -size 40x600 gradient:'#1e90ff'-'#ff8c00' -rotate 270 PNG24:wide-600x40.png
 
 # A PNG whose header and first chunks are intact but whose image data stops
 # half way: noise does not compress, so the IDAT is large enough to cut.
