@@ -42,6 +42,7 @@ Architecture: $arch
 Maintainer: plakard developers <plakard@example.org>
 Installed-Size: $(du -sk --exclude=DEBIAN "$root" | cut -f1)
 Depends: $shlibs, fonts-inter
+Recommends: fonts-noto-core, fonts-noto-cjk
 Section: graphics
 Priority: optional
 Description: compose and size App Store screenshots

@@ -31,13 +31,14 @@ done
 build_dir=${1:-build}
 # The fonts after the libraries are test faces only: an em of 1000, a kern
 # table that pairs letters with the space, a face without Latin letters, a
-# font collection, and a Devanagari face for shaped lines. strace watches the
+# font collection, and a Devanagari face for shaped lines; Noto's faces are
+# what --lang finds for scripts the headline face lacks. strace watches the
 # write's system calls in one test.
 packages=(g++ cmake make pkg-config libstb-dev libicu-dev libgtest-dev
           libbenchmark-dev fonts-inter fonts-dejavu-core libdeflate-dev
-          liblcms2-dev libharfbuzz-dev
+          liblcms2-dev libharfbuzz-dev libfontconfig-dev fontconfig
           fonts-noto-mono fonts-liberation fonts-opensymbol fonts-wqy-microhei
-          fonts-lohit-deva strace)
+          fonts-lohit-deva strace fonts-noto-core fonts-noto-cjk)
 if $fuzz; then
   packages+=(clang-14 libclang-rt-14-dev python3-fonttools)
 fi

@@ -2,6 +2,7 @@
 // draw it and writes it as an opaque PNG. The order of the steps decides which
 // message a run with several faults gets.
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -21,6 +22,7 @@
 #include "platform/Unicode.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
+#include "type/FallbackFaces.hpp"
 #include "type/Font.hpp"
 
 namespace plakard {
@@ -36,21 +38,28 @@ void PlakardCLI::runCompose(const OptionTable& options) {
     Canvas screenshot(absolutePath(required(options, "--screenshot")));
     const Layout layout = parseLayout(options);
     // An empty --font is still a font path, and fails as one.
-    std::shared_ptr<const Font> font = headlineFont(optionalValue(options, "--font"));
+    const std::optional<std::string> fontOption = optionalValue(options, "--font");
+    std::shared_ptr<const Font> font = headlineFont(fontOption);
     // Checked last, so every run without --lang fails as it always has.
-    const std::optional<std::string> language = optionalValue(options, "--lang");
+    std::optional<std::string> language = optionalValue(options, "--lang");
+    // --lang without a chosen face brings the installed faces for whatever
+    // the headline face lacks, and reads "en_US" as "en-US".
+    const bool fallback = language && !fontChosen(fontOption);
     if (language) {
-        if (!isKnownLanguageTag(*language))
+        std::string tag = *language;
+        if (fallback) std::replace(tag.begin(), tag.end(), '_', '-');
+        if (!isKnownLanguageTag(tag))
             throw PlakardError(
                 "--lang must be a language tag ICU knows, such as tr, "
                 "el or ar (got '" +
                 *language + "')");
-        lines = headlineLines(headline, *language);
+        language = tag;
+        lines = headlineLines(headline, *language, fallback);
     }
     // After --lang, so every run without --match fails as it always has.
     std::vector<std::vector<std::string>> setHeadlines;
     if (const std::optional<std::string> match = optionalValue(options, "--match"))
-        setHeadlines = matchFileHeadlines(*match, language.value_or(""));
+        setHeadlines = matchFileHeadlines(*match, language.value_or(""), fallback);
     // After --match, so every run without --device fails as it always has.
     const std::optional<Device> device = parseDevice(options);
 
@@ -68,6 +77,7 @@ void PlakardCLI::runCompose(const OptionTable& options) {
         .language = language.value_or(""),
         .setHeadlines = std::move(setHeadlines),
         .device = device,
+        .fallback = fallback ? std::make_shared<FallbackFaces>(*language) : nullptr,
     });
     writePNG(std::move(page), out, true);
     printLine(standardizedPath(outText).string());

@@ -41,4 +41,8 @@ std::shared_ptr<const Font> headlineFont(const std::optional<std::string>& fontO
     return Font::load(choice.path);
 }
 
+bool fontChosen(const std::optional<std::string>& fontOption) {
+    return fontOption || std::getenv("PLAKARD_FONT") != nullptr;
+}
+
 }  // namespace plakard

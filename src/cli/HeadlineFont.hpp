@@ -14,4 +14,7 @@ namespace plakard {
 // is loaded.
 std::shared_ptr<const Font> headlineFont(const std::optional<std::string>& fontOption);
 
+// Whether the user chose the headline face, with --font or PLAKARD_FONT.
+bool fontChosen(const std::optional<std::string>& fontOption);
+
 }  // namespace plakard

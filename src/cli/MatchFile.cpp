@@ -11,16 +11,17 @@
 
 namespace plakard {
 
-std::vector<std::vector<std::string>> matchFileHeadlines(const std::string& pathText, std::string_view language) {
+std::vector<std::vector<std::string>> matchFileHeadlines(const std::string& pathText, std::string_view language,
+                                                         bool composed) {
     const std::filesystem::path path = absolutePath(pathText);
     const FileRead file = readFile(path);
     if (!file.ok()) throw PlakardError("cannot read --match file " + path.string() + ": " + file.error);
     const std::string_view text(reinterpret_cast<const char*>(file.bytes.data()), file.bytes.size());
-    return matchHeadlines(text, lastComponent(pathText), language);
+    return matchHeadlines(text, lastComponent(pathText), language, composed);
 }
 
 std::vector<std::vector<std::string>> matchHeadlines(std::string_view text, const std::string& name,
-                                                     std::string_view language) {
+                                                     std::string_view language, bool composed) {
     // Some editors start a UTF-8 file with a byte-order mark.
     if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
     std::vector<std::vector<std::string>> headlines;
@@ -34,7 +35,7 @@ std::vector<std::vector<std::string>> matchHeadlines(std::string_view text, cons
         // Only a '#' in the first column makes a comment, so a headline that
         // starts with one can still be listed after a blank.
         if (!line.starts_with('#')) {
-            std::vector<std::string> lines = splitHeadline(line, language);
+            std::vector<std::string> lines = splitHeadline(line, language, composed);
             if (!lines.empty()) headlines.push_back(std::move(lines));
         }
         if (end == std::string_view::npos) break;

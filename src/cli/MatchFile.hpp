@@ -13,10 +13,11 @@ namespace plakard {
 // are skipped. Throws "cannot read --match file <full path>: ...",
 // "--match file <name> is not UTF-8 text (line N)" or "--match file <name>
 // holds no headline; ...".
-std::vector<std::vector<std::string>> matchFileHeadlines(const std::string& pathText, std::string_view language);
+std::vector<std::vector<std::string>> matchFileHeadlines(const std::string& pathText, std::string_view language,
+                                                         bool composed = false);
 
 // The same from the file's text; `name` is the file name the messages use.
 std::vector<std::vector<std::string>> matchHeadlines(std::string_view text, const std::string& name,
-                                                     std::string_view language);
+                                                     std::string_view language, bool composed = false);
 
 }  // namespace plakard

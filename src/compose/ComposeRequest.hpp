@@ -10,6 +10,7 @@
 #include "compose/Layout.hpp"
 #include "raster/Canvas.hpp"
 #include "raster/RGBA.hpp"
+#include "type/FallbackFaces.hpp"
 #include "type/Font.hpp"
 
 namespace plakard {
@@ -32,6 +33,9 @@ struct ComposeRequest {
     std::vector<std::vector<std::string>> setHeadlines{};
     // What holds the capture; without one, today's phone on every page.
     std::optional<Device> device{};
+    // Installed faces for the characters `font` lacks (--lang without a
+    // chosen font), or null to refuse such characters.
+    std::shared_ptr<FallbackFaces> fallback{};
 };
 
 }  // namespace plakard

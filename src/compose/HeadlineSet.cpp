@@ -39,7 +39,7 @@ SetBlock setBlock(std::span<const std::vector<InkExtent>> headlineInks, double l
 HeadlineSetGeometry headlineSetGeometry(const Font& font, const PageMetrics& metrics,
                                         std::span<const std::string> ownLines,
                                         std::span<const std::vector<std::string>> otherHeadlines,
-                                        std::string_view language) {
+                                        std::string_view language, FallbackFaces* fallback) {
     std::vector<std::span<const std::string>> headlines{ownLines};
     headlines.insert(headlines.end(), otherHeadlines.begin(), otherHeadlines.end());
 
@@ -49,7 +49,7 @@ HeadlineSetGeometry headlineSetGeometry(const Font& font, const PageMetrics& met
         std::vector<LineLayout>& laidOut = layouts.emplace_back();
         std::vector<double>& sizes = fitted.emplace_back();
         for (std::size_t i = 0; i < lines.size(); ++i) {
-            laidOut.push_back(layOutLine(font, lines[i], language));
+            laidOut.push_back(layOutLine(font, lines[i], language, fallback));
             sizes.push_back(fittedLineSize(metrics, lines[i], i, laidOut[i].advanceUnits(), font.unitsPerEm));
         }
     }

@@ -46,6 +46,6 @@ struct HeadlineSetGeometry {
 HeadlineSetGeometry headlineSetGeometry(const Font& font, const PageMetrics& metrics,
                                         std::span<const std::string> ownLines,
                                         std::span<const std::vector<std::string>> otherHeadlines,
-                                        std::string_view language);
+                                        std::string_view language, FallbackFaces* fallback = nullptr);
 
 }  // namespace plakard

@@ -28,7 +28,7 @@ Canvas composePage(const ComposeRequest& request) {
     scales.reserve(request.lines.size());
     for (std::size_t i = 0; i < request.lines.size(); ++i) {
         const std::string& line = request.lines[i];
-        layouts.push_back(layOutLine(font, line, request.language));
+        layouts.push_back(layOutLine(font, line, request.language, request.fallback.get()));
         advances.push_back(layouts[i].advanceUnits());
         scales.push_back(fittedLineSize(metrics, line, i, advances[i], font.unitsPerEm) / font.unitsPerEm);
     }
@@ -36,7 +36,8 @@ Canvas composePage(const ComposeRequest& request) {
     std::optional<SetBlock> set;
     if (!request.setHeadlines.empty()) {
         const HeadlineSetGeometry geometry =
-            headlineSetGeometry(font, metrics, request.lines, request.setHeadlines, request.language);
+            headlineSetGeometry(font, metrics, request.lines, request.setHeadlines, request.language,
+                                request.fallback.get());
         for (std::size_t i = 0; i < scales.size(); ++i) scales[i] = geometry.lineSizes[i] / font.unitsPerEm;
         set = geometry.block;
     }

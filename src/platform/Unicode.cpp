@@ -5,6 +5,7 @@
 
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
+#include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
@@ -79,6 +80,17 @@ std::string upperCased(std::string_view text, std::string_view language) {
     string.toUpper(language.empty() ? icu::Locale::getRoot() : localeFromTag(language));
     std::string result;
     string.toUTF8String(result);
+    return result;
+}
+
+std::string composedForm(std::string_view text) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
+    require(U_SUCCESS(status));
+    const icu::UnicodeString composed = nfc->normalize(unicodeString(text), status);
+    require(U_SUCCESS(status));
+    std::string result;
+    composed.toUTF8String(result);
     return result;
 }
 

@@ -17,6 +17,10 @@ std::string trimmingBlanks(std::string_view text);
 // language tag, that language's rules ("tr": "i" gives "İ").
 std::string upperCased(std::string_view text, std::string_view language = {});
 
+// Unicode normalisation form C: a base and the marks that have a precomposed
+// character become that character ("E" + U+0301 gives "É").
+std::string composedForm(std::string_view text);
+
 // Whether ICU reads `tag` as a well-formed BCP 47 tag of a language it knows.
 bool isKnownLanguageTag(std::string_view tag);
 

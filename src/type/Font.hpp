@@ -17,11 +17,14 @@ public:
     // Reads, checks and initialises a face. Throws "cannot read font <abs>: ...",
     // "<name> is too small to be a font" or
     // "<name> is not a TrueType or OpenType font, or is truncated".
-    static std::shared_ptr<const Font> load(const std::filesystem::path& path);
+    // `faceIndex` picks a member of a font collection (.ttc); a plain font
+    // file has only face 0.
+    static std::shared_ptr<const Font> load(const std::filesystem::path& path, int faceIndex = 0);
 
     // The same checks on a file's bytes already in memory; `fileName` is the
     // name messages use.
-    static std::shared_ptr<const Font> fromData(std::span<const std::uint8_t> bytes, const std::string& fileName);
+    static std::shared_ptr<const Font> fromData(std::span<const std::uint8_t> bytes, const std::string& fileName,
+                                                int faceIndex = 0);
 
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;

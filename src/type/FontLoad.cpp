@@ -24,10 +24,11 @@ std::string absoluteText(const std::filesystem::path& path) {
 }
 
 // stb_truetype trusts the offsets it reads, so everything it will look at
-// first is checked here: the collection header (for a "ttcf" file the first
-// face's offset sits in bytes 12 to 15) and the table directory.
-bool collectionHeaderInside(const std::uint8_t* data, std::size_t size) {
-    return std::memcmp(data, "ttcf", 4) != 0 || size >= 16;
+// first is checked here: the collection header (for a "ttcf" file face i's
+// offset sits in the four bytes from 12 + 4i) and the table directory.
+bool collectionHeaderInside(const std::uint8_t* data, std::size_t size, int faceIndex) {
+    if (std::memcmp(data, "ttcf", 4) != 0) return faceIndex == 0;
+    return faceIndex >= 0 && size >= 16 + 4 * static_cast<std::uint64_t>(faceIndex);
 }
 
 bool tableDirectoryInside(const std::uint8_t* data, std::size_t size, int offset) {
@@ -43,13 +44,14 @@ Font::Font() : face_(std::make_unique<Face>()) {}
 
 Font::~Font() = default;
 
-std::shared_ptr<const Font> Font::load(const std::filesystem::path& path) {
+std::shared_ptr<const Font> Font::load(const std::filesystem::path& path, int faceIndex) {
     FileRead read = readFile(path);
     if (!read.ok()) throw PlakardError("cannot read font " + absoluteText(path) + ": " + read.error);
-    return fromData(read.bytes, lastComponent(path));
+    return fromData(read.bytes, lastComponent(path), faceIndex);
 }
 
-std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, const std::string& fileName) {
+std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, const std::string& fileName,
+                                           int faceIndex) {
     if (bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
     // The Font is created in place and never moves: info will point into storage.
     std::shared_ptr<Font> font(new Font());
@@ -60,7 +62,7 @@ std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, 
 
     const std::uint8_t* data = face.storage.get();
     const std::size_t size = face.storageSize;
-    const int offset = collectionHeaderInside(data, size) ? stbtt_GetFontOffsetForIndex(data, 0) : -1;
+    const int offset = collectionHeaderInside(data, size, faceIndex) ? stbtt_GetFontOffsetForIndex(data, faceIndex) : -1;
     if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset) ||
         stbtt_InitFont(&face.info, data, offset) == 0) {
         font.reset();
@@ -71,7 +73,7 @@ std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, 
         const Owned<hb_blob_t, hb_blob_destroy> blob(hb_blob_create(reinterpret_cast<const char*>(data),
                                                                     static_cast<unsigned>(size),
                                                                     HB_MEMORY_MODE_READONLY, nullptr, nullptr));
-        face.shaperFace.reset(hb_face_create(blob.get(), 0));
+        face.shaperFace.reset(hb_face_create(blob.get(), static_cast<unsigned>(faceIndex)));
         face.shaperFont.reset(hb_font_create(face.shaperFace.get()));
         face.shaperUnitsPerEm = static_cast<int>(hb_face_get_upem(face.shaperFace.get()));
         hb_font_set_scale(face.shaperFont.get(), face.shaperUnitsPerEm, face.shaperUnitsPerEm);

@@ -50,10 +50,15 @@ LineLayout mapLine(const Font& font, std::string_view text) {
 }  // namespace
 
 LineLayout::LineLayout(const Font& font, std::vector<GlyphRun> runs, double advanceUnits,
-                       std::optional<char32_t> missing)
-    : font_(&font), runs_(std::move(runs)), advance_(advanceUnits), missing_(missing) {}
+                       std::optional<char32_t> missing, std::string fallbackLanguage)
+    : font_(&font),
+      runs_(std::move(runs)),
+      advance_(advanceUnits),
+      missing_(missing),
+      fallbackLanguage_(std::move(fallbackLanguage)) {}
 
 double LineLayout::advanceUnits() const {
+    if (missing_ && !fallbackLanguage_.empty()) throw noFaceCovers(*missing_, fallbackLanguage_);
     if (missing_) throw missingGlyph(font_->name, *missing_);
     return advance_;
 }
@@ -106,8 +111,10 @@ void LineLayout::draw(Canvas& canvas, RGBA colour, double x, double baseline, do
     }
 }
 
-LineLayout layOutLine(const Font& font, std::string_view text, std::string_view language) {
-    return needsShaping(text) ? shapeLine(font, text, language) : mapLine(font, text);
+LineLayout layOutLine(const Font& font, std::string_view text, std::string_view language, FallbackFaces* fallback) {
+    if (needsShaping(text) || (fallback && needsOtherFaces(font, text)))
+        return shapeLine(font, text, language, fallback);
+    return mapLine(font, text);
 }
 
 }  // namespace plakard

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,6 +17,8 @@
 #include "type/Font.hpp"
 
 namespace plakard {
+
+class FallbackFaces;
 
 // Vertical extent of a line's ink in pixels relative to the baseline, y down
 // (top is usually negative).
@@ -58,11 +61,15 @@ public:
     // `font` is the face the line is measured in (its units are the line's
     // units); it and every run's face must outlive the layout. `missing` is
     // the first character, in text order, no run's face has a glyph for.
-    LineLayout(const Font& font, std::vector<GlyphRun> runs, double advanceUnits, std::optional<char32_t> missing);
+    // `fallbackLanguage` is the --lang tag when other installed faces were
+    // searched too.
+    LineLayout(const Font& font, std::vector<GlyphRun> runs, double advanceUnits, std::optional<char32_t> missing,
+               std::string fallbackLanguage = {});
 
     // The line's advance width in the line's units, kerning included: what
     // fitting measures. Throws "<name> has no glyph for 'c' (U+XXXX); pass
-    // --font with a face that covers this headline" for a missing character.
+    // --font with a face that covers this headline" for a missing character,
+    // or, when other faces were searched, noFaceCovers' message.
     double advanceUnits() const;
 
     // The ink's vertical extent at `scale` pixels per unit of the line; the
@@ -80,10 +87,13 @@ private:
     std::vector<GlyphRun> runs_;
     double advance_;
     std::optional<char32_t> missing_;
+    std::string fallbackLanguage_;
 };
 
 // Lays `text` out in `font`: shaped when needsShaping says so, told `language`
-// (a BCP 47 tag, or empty), otherwise code point by code point.
-LineLayout layOutLine(const Font& font, std::string_view text, std::string_view language = {});
+// (a BCP 47 tag, or empty), otherwise code point by code point. With
+// `fallback`, a line that needsOtherFaces is shaped too, in the faces it finds.
+LineLayout layOutLine(const Font& font, std::string_view text, std::string_view language = {},
+                      FallbackFaces* fallback = nullptr);
 
 }  // namespace plakard

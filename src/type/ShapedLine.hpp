@@ -6,6 +6,7 @@
 
 #include <string_view>
 
+#include "type/FallbackFaces.hpp"
 #include "type/LineLayout.hpp"
 
 namespace plakard {
@@ -14,9 +15,16 @@ namespace plakard {
 // reorders, decided from ICU's character properties.
 bool needsShaping(std::string_view text);
 
-// One run per script run, left to right on the page, positions counted along
+// Whether a line needs faces other than `font`, or marks placed on their
+// bases: it holds a character the face lacks, a combining mark or a default
+// ignorable (soft hyphen, joiners), which only the shaper draws as nothing.
+bool needsOtherFaces(const Font& font, std::string_view text);
+
+// One run per script run and face, left to right on the page, positions counted along
 // the whole line. `language` is a BCP 47 tag, or empty for the shaper's
-// default.
-LineLayout shapeLine(const Font& font, std::string_view text, std::string_view language);
+// default. With `fallback`, characters `font` lacks are set in the faces it
+// finds (see unitFaces).
+LineLayout shapeLine(const Font& font, std::string_view text, std::string_view language,
+                     FallbackFaces* fallback = nullptr);
 
 }  // namespace plakard

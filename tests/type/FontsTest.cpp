@@ -8,6 +8,7 @@
 #include "support/Support.hpp"
 #include "type/Font.hpp"
 #include "type/LineLayout.hpp"
+#include "type/ShapedLine.hpp"
 
 namespace plakard::test {
 namespace {
@@ -18,9 +19,9 @@ std::span<const std::uint8_t> bytesOf(const std::string& text) {
 }
 
 // The loader's refusal, or "" when the face loaded.
-std::string refusal(std::span<const std::uint8_t> bytes, const std::string& name) {
+std::string refusal(std::span<const std::uint8_t> bytes, const std::string& name, int faceIndex = 0) {
     try {
-        Font::fromData(bytes, name);
+        Font::fromData(bytes, name, faceIndex);
         return "";
     } catch (const PlakardError& error) {
         return error.description;
@@ -44,6 +45,26 @@ TEST(Fonts, RealFacesLoadWithTheirEmAndNoPrefixOfThemIsReadPastItsEnd) {
             ASSERT_TRUE(refused.empty() || refused == "cut is not a TrueType or OpenType font, or is truncated") << refused;
         }
     }
+}
+
+// A collection's second member is its own face (WenQuanYi's is monospaced),
+// checked as the first is; there is no member past the last, nor a second
+// face in a plain font file.
+TEST(Fonts, CollectionMembersLoadByIndex) {
+    const char* path = "/usr/share/fonts/truetype/wqy/wqy-microhei.ttc";
+    const auto width = [&](int index, const char* text) { return layOutLine(*Font::load(path, index), text).advanceUnits(); };
+    EXPECT_NE(width(0, "I"), width(0, "W"));
+    EXPECT_EQ(width(1, "I"), width(1, "W"));
+    const auto mono = Font::load(path, 1);
+    EXPECT_EQ(shapeLine(*mono, "IW", {}).advanceUnits(), layOutLine(*mono, "IW").advanceUnits());
+    const std::string bytes = readBytes(path);
+    for (std::size_t size = 12; size < 600; ++size) {
+        const std::string refused = refusal(bytesOf(bytes).first(size), "cut", 1);
+        ASSERT_TRUE(refused.empty() || refused == "cut is not a TrueType or OpenType font, or is truncated") << size;
+    }
+    EXPECT_EQ(refusal(bytesOf(bytes), "wqy", 2), "wqy is not a TrueType or OpenType font, or is truncated");
+    EXPECT_EQ(refusal(bytesOf(readBytes("/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf")), "dv", 1),
+              "dv is not a TrueType or OpenType font, or is truncated");
 }
 
 // Our own faces with bytes written over them at an offset into one table
