@@ -5,6 +5,8 @@
 # without warnings, completion answering, and the listing example run (which
 # ends with `plakard check` of its pages).
 set -euo pipefail
+# A failed check would otherwise end the run without a word.
+trap 'echo "install-check: failed at line $LINENO: $BASH_COMMAND" >&2' ERR
 cd "$(dirname "$0")/../.."
 build=${1:-build}
 tmp=$(mktemp -d)
