@@ -16,13 +16,7 @@ constexpr std::int64_t nominalLength = 512 * 1024 * 1024;
 constexpr std::int64_t intMin = std::numeric_limits<int>::min();
 constexpr std::int64_t intMax = std::numeric_limits<int>::max();
 
-// A part of the CFF table as stb sees it: where it starts, how long stb
-// believes it is, and stb's cursor in it.
-struct Span {
-    std::int64_t start = 0;
-    std::int64_t size = 0;
-    std::int64_t cursor = 0;
-};
+using Span = CompactSpan;
 
 // Repeats stb's CFF parsing step for step (its stbtt__buf helpers, its int
 // arithmetic), with the reads checked against the real table. Whatever stb
@@ -361,7 +355,7 @@ void charStringSound(CompactFontWalk& walk, Span b, const Span& localSubroutines
 
 }  // namespace
 
-std::uint64_t compactFontGlyphs(Reader& r, const Table& cff) {
+std::uint64_t compactFontGlyphs(Reader& r, const Table& cff, CompactOutlines* deferred) {
     CompactFontWalk walk(r, cff);
     // stbtt_InitFont, step for step.
     Span b = walk.whole();
@@ -405,10 +399,27 @@ std::uint64_t compactFontGlyphs(Reader& r, const Table& cff) {
     const std::vector<Span> locals = fontDictsOffset != 0
                                          ? localSubroutines(walk, topSubroutines, select, fontDicts, glyphCount)
                                          : std::vector<Span>(glyphCount, topSubroutines);
+    if (deferred && walk.ok()) {
+        *deferred = CompactOutlines();
+        deferred->cff_ = cff;
+        deferred->charStrings_ = glyphs;
+        deferred->globalSubroutines_ = globalSubroutines;
+        deferred->locals_ = locals;
+        return glyphCount;
+    }
     for (std::uint64_t glyph = 0; glyph < glyphCount && walk.ok(); ++glyph)
         charStringSound(walk, walk.indexEntry(glyphs, static_cast<std::int64_t>(glyph)), locals[glyph],
                         globalSubroutines);
     return glyphCount;
+}
+
+bool CompactOutlines::glyphSound(const std::uint8_t* data, std::size_t size, std::uint64_t glyph) const {
+    if (glyph >= locals_.size()) return false;
+    Reader r(data, size);
+    CompactFontWalk walk(r, cff_);
+    charStringSound(walk, walk.indexEntry(charStrings_, static_cast<std::int64_t>(glyph)), locals_[glyph],
+                    globalSubroutines_);
+    return walk.ok();
 }
 
 }  // namespace plakard

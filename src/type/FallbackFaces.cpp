@@ -143,7 +143,7 @@ const Font* FallbackFaces::search(char32_t c) {
         FcPatternGetInteger(candidate.font, FC_INDEX, 0, &index);
         // A damaged or unreadable face is someone else's problem: the next one will do.
         try {
-            std::shared_ptr<const Font> face = Font::load(reinterpret_cast<const char*>(file), index);
+            std::shared_ptr<const Font> face = Font::load(reinterpret_cast<const char*>(file), index, OutlineCheck::asUsed);
             if (!face->face().shaperFont || stbtt_FindGlyphIndex(&face->face().info, static_cast<int>(c)) == 0)
                 continue;
             faces_.push_back(std::move(face));

@@ -12,6 +12,12 @@
 
 namespace plakard {
 
+// How much of a face's outlines loading checks. A face the user chose is
+// checked whole, so a damaged one is refused before anything is drawn. A face
+// found to fill in characters is checked glyph by glyph as lines use them: a
+// CJK collection holds 65,535 outlines, and a page draws a few dozen.
+enum class OutlineCheck { whole, asUsed };
+
 class Font {
 public:
     // Reads, checks and initialises a face. Throws "cannot read font <abs>: ...",
@@ -19,12 +25,13 @@ public:
     // "<name> is not a TrueType or OpenType font, or is truncated".
     // `faceIndex` picks a member of a font collection (.ttc); a plain font
     // file has only face 0.
-    static std::shared_ptr<const Font> load(const std::filesystem::path& path, int faceIndex = 0);
+    static std::shared_ptr<const Font> load(const std::filesystem::path& path, int faceIndex = 0,
+                                            OutlineCheck check = OutlineCheck::whole);
 
     // The same checks on a file's bytes already in memory; `fileName` is the
     // name messages use.
     static std::shared_ptr<const Font> fromData(std::span<const std::uint8_t> bytes, const std::string& fileName,
-                                                int faceIndex = 0);
+                                                int faceIndex = 0, OutlineCheck check = OutlineCheck::whole);
 
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;

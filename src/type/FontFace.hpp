@@ -7,11 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include <hb.h>
 #include <stb_truetype.h>
 
 #include "platform/Owned.hpp"
+#include "type/CompactFontTables.hpp"
 #include "type/Font.hpp"
 
 namespace plakard {
@@ -26,6 +28,15 @@ struct Font::Face {
     // Scaled to the face's own units per em, so positions come in font units.
     Owned<hb_font_t, hb_font_destroy> shaperFont;
     int shaperUnitsPerEm = 0;
+    // Loaded with OutlineCheck::asUsed: the charstrings not checked yet, and
+    // for each glyph whether it has been (0 not yet, 1 sound).
+    CompactOutlines uncheckedOutlines;
+    mutable std::vector<std::uint8_t> glyphChecked;
 };
+
+// Before stb runs `glyph`'s outline: a glyph of a face loaded with
+// OutlineCheck::asUsed is checked the first time. Throws the load's "<name> is
+// not a TrueType or OpenType font, or is truncated" when it is damaged.
+void requireSoundGlyph(const Font& font, int glyph);
 
 }  // namespace plakard

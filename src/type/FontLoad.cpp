@@ -38,20 +38,24 @@ bool tableDirectoryInside(const std::uint8_t* data, std::size_t size, int offset
     return end <= size;
 }
 
+PlakardError notAFont(const std::string& fileName) {
+    return PlakardError(fileName + " is not a TrueType or OpenType font, or is truncated");
+}
+
 }  // namespace
 
 Font::Font() : face_(std::make_unique<Face>()) {}
 
 Font::~Font() = default;
 
-std::shared_ptr<const Font> Font::load(const std::filesystem::path& path, int faceIndex) {
+std::shared_ptr<const Font> Font::load(const std::filesystem::path& path, int faceIndex, OutlineCheck check) {
     FileRead read = readFile(path);
     if (!read.ok()) throw PlakardError("cannot read font " + absoluteText(path) + ": " + read.error);
-    return fromData(read.bytes, lastComponent(path), faceIndex);
+    return fromData(read.bytes, lastComponent(path), faceIndex, check);
 }
 
 std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, const std::string& fileName,
-                                           int faceIndex) {
+                                           int faceIndex, OutlineCheck check) {
     if (bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
     // The Font is created in place and never moves: info will point into storage.
     std::shared_ptr<Font> font(new Font());
@@ -63,11 +67,13 @@ std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, 
     const std::uint8_t* data = face.storage.get();
     const std::size_t size = face.storageSize;
     const int offset = collectionHeaderInside(data, size, faceIndex) ? stbtt_GetFontOffsetForIndex(data, faceIndex) : -1;
-    if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset) ||
+    CompactOutlines* deferred = check == OutlineCheck::asUsed ? &face.uncheckedOutlines : nullptr;
+    if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset, deferred) ||
         stbtt_InitFont(&face.info, data, offset) == 0) {
         font.reset();
-        throw PlakardError(fileName + " is not a TrueType or OpenType font, or is truncated");
+        throw notAFont(fileName);
     }
+    if (face.uncheckedOutlines.deferred()) face.glyphChecked.assign(face.uncheckedOutlines.glyphCount(), 0);
     if (size <= UINT32_MAX) {
         // HarfBuzz reads the same bytes stb_truetype does; nothing is copied.
         const Owned<hb_blob_t, hb_blob_destroy> blob(hb_blob_create(reinterpret_cast<const char*>(data),
@@ -90,6 +96,16 @@ std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, 
     font->unitsPerEm = 1.0 / static_cast<double>(stbtt_ScaleForMappingEmToPixels(&face.info, 1.0f));
     font->name = fileName;
     return font;
+}
+
+void requireSoundGlyph(const Font& font, int glyph) {
+    const Font::Face& face = font.face();
+    if (!face.uncheckedOutlines.deferred()) return;
+    const auto index = static_cast<std::size_t>(glyph);
+    if (glyph < 0 || index >= face.glyphChecked.size()) throw notAFont(font.name);
+    if (face.glyphChecked[index] != 0) return;
+    if (!face.uncheckedOutlines.glyphSound(face.storage.get(), face.storageSize, index)) throw notAFont(font.name);
+    face.glyphChecked[index] = 1;
 }
 
 }  // namespace plakard

@@ -391,7 +391,7 @@ void glyphOutlinesInside(Reader& r, const Table& head, const Table& loca, const 
 
 }  // namespace
 
-bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart) {
+bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart, CompactOutlines* deferred) {
     Reader r(data, size);
     const Table cmap = r.table(fontStart, "cmap");
     const Table head = r.table(fontStart, "head");
@@ -431,7 +431,7 @@ bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart)
         // stb looks up a CFF glyph's charstring by id without a check, so the
         // character map may only give glyphs that have one, and so must every
         // glyph the face counts: the shaper's substitutions can name any.
-        if (compactFontGlyphs(r, cff) < std::max(largestMappedGlyph + 1, glyphCount)) return false;
+        if (compactFontGlyphs(r, cff, deferred) < std::max(largestMappedGlyph + 1, glyphCount)) return false;
     }
     return r.ok();
 }

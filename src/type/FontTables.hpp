@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "type/CompactFontTables.hpp"
+
 namespace plakard {
 
 // Before stbtt_InitFont: every table stb reads for the face starting at
@@ -14,6 +16,9 @@ namespace plakard {
 // in the file, with the headers, cmap subtable, kerning data, GPOS pair
 // adjustments, glyph locations and CFF structures stb looks at inside their
 // tables, and the glyph ids the character map gives are ones stb can look up.
-bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart);
+// With `deferred`, a CFF face's charstrings are left there to check one glyph
+// at a time.
+bool fontTablesInside(const std::uint8_t* data, std::size_t size, int fontStart,
+                      CompactOutlines* deferred = nullptr);
 
 }  // namespace plakard

@@ -55,7 +55,13 @@ LineLayout::LineLayout(const Font& font, std::vector<GlyphRun> runs, double adva
       runs_(std::move(runs)),
       advance_(advanceUnits),
       missing_(missing),
-      fallbackLanguage_(std::move(fallbackLanguage)) {}
+      fallbackLanguage_(std::move(fallbackLanguage)) {
+    // Measuring and drawing run these glyphs' outlines.
+    for (const GlyphRun& run : runs_) {
+        for (const PlacedGlyph& placed : run.placed) requireSoundGlyph(*run.face, placed.glyph);
+        for (const MappedGlyph& mapped : run.mapped) requireSoundGlyph(*run.face, mapped.glyph);
+    }
+}
 
 double LineLayout::advanceUnits() const {
     if (missing_ && !fallbackLanguage_.empty()) throw noFaceCovers(*missing_, fallbackLanguage_);

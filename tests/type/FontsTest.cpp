@@ -19,9 +19,10 @@ std::span<const std::uint8_t> bytesOf(const std::string& text) {
 }
 
 // The loader's refusal, or "" when the face loaded.
-std::string refusal(std::span<const std::uint8_t> bytes, const std::string& name, int faceIndex = 0) {
+std::string refusal(std::span<const std::uint8_t> bytes, const std::string& name, int faceIndex = 0,
+                    OutlineCheck check = OutlineCheck::whole) {
     try {
-        Font::fromData(bytes, name, faceIndex);
+        Font::fromData(bytes, name, faceIndex, check);
         return "";
     } catch (const PlakardError& error) {
         return error.description;
@@ -105,6 +106,7 @@ const struct {
     {"cff-no-charstrings", compact, "CFF ", 78, "\0\0"sv},
     {"cff-charstrings-past-table", compact, "CFF ", 87, "\x79"sv},
     {"cff-hint-mask-past-charstring", compact, "CFF ", 205, "\1\x13"sv},
+    {"cff-hint-mask-past-A", compact, "CFF ", 126, "\1\x13"sv},
 };
 
 std::string brokenFace(const auto& broken) {
@@ -125,6 +127,30 @@ TEST(Fonts, CraftedFacesBreakingOneTableRuleAreRefused) {
     for (const auto& entry : fs::directory_iterator(dataPath("fonts/refused"))) {
         const std::string name = entry.path().filename();
         EXPECT_EQ(refusal(bytesOf(readBytes(entry.path())), name), name + " is not a TrueType or OpenType font, or is truncated");
+    }
+}
+
+// A face found to fill in characters is refused for the same faults, but a
+// damaged outline counts only once a line uses its glyph: A's does, that of
+// glyph 5, which no character maps to, never.
+TEST(Fonts, FacesCheckedAsUsedRefuseADamagedOutlineWhenALineUsesIt) {
+    for (const auto& broken : brokenFaces) {
+        const std::string face = brokenFace(broken), name = broken.name;
+        const std::string refused = name + " is not a TrueType or OpenType font, or is truncated";
+        if (!name.starts_with("cff-hint-mask")) {
+            EXPECT_EQ(refusal(bytesOf(face), name, 0, OutlineCheck::asUsed), refused);
+            continue;
+        }
+        const auto font = Font::fromData(bytesOf(face), name, 0, OutlineCheck::asUsed);
+        EXPECT_GT(layOutLine(*font, "VO").advanceUnits(), 0) << name;
+        for (const char* text : {"VOA", "VOA\u0301"}) {  // mapped, then shaped
+            try {
+                layOutLine(*font, text);
+                EXPECT_EQ(name, "cff-hint-mask-past-charstring");
+            } catch (const PlakardError& error) {
+                EXPECT_EQ(error.description + name, refused + "cff-hint-mask-past-A");
+            }
+        }
     }
 }
 
