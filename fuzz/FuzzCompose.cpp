@@ -2,7 +2,8 @@
 // real headline face: a page comes back, or the decode, legibility,
 // missing-glyph or device-placement error.
 //
-// Input: one byte of choices (layout, colours, face, language, whether the
+// Input: one byte of choices (layout, colours, face, language, the installed
+// faces filling in for the plain face's Arabic, whether the
 // headline is also read as a --match file whose first line is the page's own,
 // a device and a wide page), one byte n, n bytes of headline as typed after
 // --headline, then the capture file's bytes.
@@ -23,6 +24,7 @@
 #include "compose/PageComposer.hpp"
 #include "platform/PlakardError.hpp"
 #include "raster/Decode.hpp"
+#include "type/FallbackFaces.hpp"
 #include "type/Font.hpp"
 
 namespace {
@@ -63,20 +65,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::optional<plakard::Device> device =
         (choices & 64) ? std::optional(plakard::allDevices[data[1] & 3]) : std::nullopt;
     const bool wide = device && (choices & 128);
+    // Arabic in the plain face is set as --lang without --font sets it: the
+    // installed faces fill in what the face lacks, whatever script that is.
+    const bool fallback = (choices & 8) && !(choices & 4);
+    static const auto installedFaces = std::make_shared<plakard::FallbackFaces>("ar");
     try {
         const plakard::ComposeRequest request{
             .width = wide ? 260 : 120,
             .height = wide ? 120 : 260,
             .background = plakard::RGBA(static_cast<std::uint8_t>(choices * 37), 90, 200, 255),
             .foreground = (choices & 2) ? plakard::RGBA(255, 255, 255, 255) : plakard::RGBA(10, 10, 10, 255),
-            .lines = plakard::headlineLines(matched ? headline.substr(0, headline.find('\n')) : headline, language),
+            .lines = plakard::headlineLines(matched ? headline.substr(0, headline.find('\n')) : headline, language,
+                                            fallback),
             .screenshot = plakard::decodedImage(capture, "fuzz.png"),
             .layout = (choices & 1) ? plakard::Layout::deviceTop : plakard::Layout::hero,
             .font = headlineFace(choices & 4),
             .language = language,
-            .setHeadlines = matched ? plakard::matchHeadlines(headline, "fuzz.txt", language)
+            .setHeadlines = matched ? plakard::matchHeadlines(headline, "fuzz.txt", language, fallback)
                                     : std::vector<std::vector<std::string>>{},
             .device = device,
+            .fallback = fallback ? installedFaces : nullptr,
         };
         const plakard::Canvas page = plakard::composePage(request);
         if (page.width != request.width || page.height != request.height) __builtin_trap();
