@@ -11,7 +11,11 @@
 # script with more seconds and KEEP_GOING=1, which runs one fork at a time and
 # goes on past crashes, collecting every artifact:
 #
-#   KEEP_GOING=1 fuzz/run.sh build-fuzz 450      (4 targets, 30 CPU minutes)
+#   KEEP_GOING=1 fuzz/run.sh build-fuzz 1800     (half an hour per target)
+#
+# The seconds are wall-clock time and the targets run one after another, so
+# that is 30 CPU minutes per target only on a core nothing else uses; see
+# fuzz/README.md for the last campaign's figures.
 #
 # Each target's output is kept in BUILD_DIR/fuzz-logs/<target>.log, and the
 # run ends with one line per target: executions, coverage (edges), features
