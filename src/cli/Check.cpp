@@ -17,6 +17,7 @@
 #include "platform/Files.hpp"
 #include "platform/Paths.hpp"
 #include "platform/PlakardError.hpp"
+#include "platform/Unicode.hpp"
 #include "raster/Decode.hpp"
 #include "raster/ImageHeader.hpp"
 
@@ -28,14 +29,6 @@ namespace fs = std::filesystem;
 
 // Enough of a file to tell a PNG's or a JPEG's signature.
 constexpr std::size_t signatureBytes = 8;
-
-std::string lowerCaseExtension(const std::string& shown) {
-    std::string extension = fs::path(shown).extension().string();
-    for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return extension;
-}
 
 // One folder, one localisation: its pages are counted against the store's
 // limits once every path has been checked.
@@ -119,7 +112,7 @@ private:
             .header = imageHeader(file.bytes),
             .width = decodedPage.image->width,
             .height = decodedPage.image->height,
-            .extension = lowerCaseExtension(shown),
+            .extension = asciiLowerCased(fs::path(shown).extension().string()),
             .fileBytes = static_cast<std::int64_t>(file.bytes.size()),
         };
         const std::vector<std::string_view> slots = appStoreSlots(page.width, page.height);

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/PlakardError.hpp"
+#include "platform/Unicode.hpp"
 
 namespace plakard {
 
@@ -51,10 +52,7 @@ std::vector<std::string_view> nonEmptyPieces(std::string_view text, char separat
 }
 
 std::optional<OutputSize> sizeFromText(const std::string& value) {
-    std::string lowered = value;
-    for (char& c : lowered) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
+    const std::string lowered = asciiLowerCased(value);
     const std::vector<std::string_view> pieces = nonEmptyPieces(lowered, 'x');
     if (pieces.size() != 2) return std::nullopt;
     const std::optional<std::int64_t> width = decimalInteger(pieces[0]);

@@ -21,6 +21,10 @@ std::string upperCased(std::string_view text, std::string_view language = {});
 // character become that character ("E" + U+0301 gives "É").
 std::string composedForm(std::string_view text);
 
+// Only A-Z lowered, every other byte kept: for the ASCII words of sizes and
+// file extensions, which no locale may change ("I" stays "i" under tr).
+std::string asciiLowerCased(std::string text);
+
 // Whether ICU reads `tag` as a well-formed BCP 47 tag of a language it knows.
 bool isKnownLanguageTag(std::string_view tag);
 
