@@ -9,6 +9,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace plakard {
 
@@ -49,6 +50,9 @@ public:
 
 private:
     Font();
+    // Takes the bytes as the face's own, uncopied.
+    static std::shared_ptr<const Font> fromBytes(std::vector<std::uint8_t> bytes, const std::string& fileName,
+                                                 int faceIndex, OutlineCheck check);
     std::unique_ptr<Face> face_;
 };
 

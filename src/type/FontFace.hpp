@@ -19,8 +19,7 @@
 namespace plakard {
 
 struct Font::Face {
-    std::unique_ptr<std::uint8_t[]> storage;
-    std::size_t storageSize = 0;
+    std::vector<std::uint8_t> storage;
     stbtt_fontinfo info{};
     // Null for a file too large for HarfBuzz to count its bytes, which can
     // then set only lines that need no shaping.

@@ -51,21 +51,26 @@ Font::~Font() = default;
 std::shared_ptr<const Font> Font::load(const std::filesystem::path& path, int faceIndex, OutlineCheck check) {
     FileRead read = readFile(path);
     if (!read.ok()) throw PlakardError("cannot read font " + absoluteText(path) + ": " + read.error);
-    return fromData(read.bytes, lastComponent(path), faceIndex, check);
+    // The bytes read become the face's own: a CJK collection is 19 MB, and
+    // copying it doubled the page faults of loading it.
+    return fromBytes(std::move(read.bytes), lastComponent(path), faceIndex, check);
 }
 
 std::shared_ptr<const Font> Font::fromData(std::span<const std::uint8_t> bytes, const std::string& fileName,
                                            int faceIndex, OutlineCheck check) {
+    return fromBytes(std::vector<std::uint8_t>(bytes.begin(), bytes.end()), fileName, faceIndex, check);
+}
+
+std::shared_ptr<const Font> Font::fromBytes(std::vector<std::uint8_t> bytes, const std::string& fileName,
+                                            int faceIndex, OutlineCheck check) {
     if (bytes.size() < 12) throw PlakardError(fileName + " is too small to be a font");
     // The Font is created in place and never moves: info will point into storage.
     std::shared_ptr<Font> font(new Font());
     Face& face = *font->face_;
-    face.storageSize = bytes.size();
-    face.storage = std::make_unique_for_overwrite<std::uint8_t[]>(face.storageSize);
-    std::memcpy(face.storage.get(), bytes.data(), face.storageSize);
+    face.storage = std::move(bytes);
 
-    const std::uint8_t* data = face.storage.get();
-    const std::size_t size = face.storageSize;
+    const std::uint8_t* data = face.storage.data();
+    const std::size_t size = face.storage.size();
     const int offset = collectionHeaderInside(data, size, faceIndex) ? stbtt_GetFontOffsetForIndex(data, faceIndex) : -1;
     CompactOutlines* deferred = check == OutlineCheck::asUsed ? &face.uncheckedOutlines : nullptr;
     if (offset < 0 || !tableDirectoryInside(data, size, offset) || !fontTablesInside(data, size, offset, deferred) ||
@@ -104,7 +109,7 @@ void requireSoundGlyph(const Font& font, int glyph) {
     const auto index = static_cast<std::size_t>(glyph);
     if (glyph < 0 || index >= face.glyphChecked.size()) throw notAFont(font.name);
     if (face.glyphChecked[index] != 0) return;
-    if (!face.uncheckedOutlines.glyphSound(face.storage.get(), face.storageSize, index)) throw notAFont(font.name);
+    if (!face.uncheckedOutlines.glyphSound(face.storage.data(), face.storage.size(), index)) throw notAFont(font.name);
     face.glyphChecked[index] = 1;
 }
 
