@@ -16,18 +16,10 @@ build=$1
 target=$2
 limit=${3:-1800}
 here=$(cd "$(dirname "$0")" && pwd)
-crashers="$(cd "$here/.." && pwd)/tests/data/crashers"
+source "$here/setup.sh"
 
 "$here/seed.sh" "$build/fuzz-seeds" >/dev/null
-corpus="$build/fuzz-corpus/$target"
-artifacts="$build/fuzz-artifacts/$target"
-mkdir -p "$corpus" "$artifacts" "$build/fuzz-logs"
-inputs=("$corpus")
-for dir in "$here/corpus/$target" "$build/fuzz-seeds/$target" "$crashers/$target"; do
-  [ -d "$dir" ] && inputs+=("$dir")
-done
-options=(-timeout=10 -rss_limit_mb=4096 -artifact_prefix="$artifacts/" -print_final_stats=1)
-[ -f "$here/$target.dict" ] && options+=(-dict="$here/$target.dict")
+fuzz_setup "$build" "$target"
 
 ticks=$(getconf CLK_TCK)
 used=0

@@ -28,32 +28,23 @@ shift $(( $# > 1 ? 2 : 1 ))
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(fuzz_image fuzz_font fuzz_options fuzz_compose)
 here=$(cd "$(dirname "$0")" && pwd)
-crashers="$(cd "$here/.." && pwd)/tests/data/crashers"
+source "$here/setup.sh"
 
 "$here/seed.sh" "$build/fuzz-seeds" >/dev/null
-mkdir -p "$build/fuzz-logs"
 summary=()
 for target in "${targets[@]}"; do
   binary="$build/fuzz/$target"
-  corpus="$build/fuzz-corpus/$target"
-  artifacts="$build/fuzz-artifacts/$target"
-  mkdir -p "$corpus" "$artifacts"
-  inputs=("$corpus")
-  for dir in "$here/corpus/$target" "$build/fuzz-seeds/$target" "$crashers/$target"; do
-    [ -d "$dir" ] && inputs+=("$dir")
-  done
-  common=(-timeout=10 -rss_limit_mb=4096 -artifact_prefix="$artifacts/" -print_final_stats=1)
-  [ -f "$here/$target.dict" ] && common+=(-dict="$here/$target.dict")
+  fuzz_setup "$build" "$target"
 
   echo "== $target: replaying ${inputs[*]:1}"
-  "$binary" "${common[@]}" -runs=0 "${inputs[@]:1}"
+  "$binary" "${options[@]}" -runs=0 "${inputs[@]:1}"
   echo "== $target: fuzzing for ${seconds}s"
   log="$build/fuzz-logs/$target.log"
   if [ -n "${KEEP_GOING:-}" ]; then
-    "$binary" "${common[@]}" -max_total_time="$seconds" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 \
+    "$binary" "${options[@]}" -max_total_time="$seconds" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 \
       -ignore_ooms=1 "${inputs[@]}" 2>&1 | tee "$log"
   else
-    "$binary" "${common[@]}" -max_total_time="$seconds" "${inputs[@]}" 2>&1 | tee "$log"
+    "$binary" "${options[@]}" -max_total_time="$seconds" "${inputs[@]}" 2>&1 | tee "$log"
   fi
   # libFuzzer's last status line, "#EXECS ... cov: N ft: N corp: N/...", in
   # both the plain and the fork mode.
